@@ -1,0 +1,69 @@
+#include "command.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace braxcfg::tool {
+namespace {
+
+std::vector<Command>& table() {
+    static std::vector<Command> commands;
+    return commands;
+}
+
+bool contains(const std::vector<std::string>& list, const std::string& word) {
+    return std::find(list.begin(), list.end(), word) != list.end();
+}
+
+}  // namespace
+
+CommandRegistration::CommandRegistration(const Command& command) { table().push_back(command); }
+
+const std::vector<Command>& registeredCommands() {
+    auto& commands = table();
+    std::sort(commands.begin(), commands.end(),
+              [](const Command& a, const Command& b) { return std::string(a.name) < b.name; });
+    return commands;
+}
+
+int fail(const std::string& message) {
+    std::cerr << "braxcfg: " << message << "\n";
+    return kExitError;
+}
+
+bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
+               SplitArgs& out, std::string& error) {
+    out = {};
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& word = args[i];
+        if (optionsEnded || word.size() < 2 || word[0] != '-') {
+            out.operands.push_back(word);
+        } else if (word == "--") {
+            optionsEnded = true;
+        } else if (contains(flags, word)) {
+            out.options.push_back(word);
+        } else if (contains(valued, word)) {
+            if (i + 1 >= args.size()) {
+                error = "option " + word + " needs a value";
+                return false;
+            }
+            out.options.push_back(word);
+            out.options.push_back(args[++i]);
+        } else {
+            error = "unknown option " + word;
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string optionValue(const SplitArgs& split, const std::string& name) {
+    for (std::size_t i = 0; i + 1 < split.options.size(); ++i)
+        if (split.options[i] == name) return split.options[i + 1];
+    return {};
+}
+
+bool hasOption(const SplitArgs& split, const std::string& name) { return contains(split.options, name); }
+
+}  // namespace braxcfg::tool

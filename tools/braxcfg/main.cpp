@@ -1,0 +1,89 @@
+// braxcfg: the configuration tool that hosts the plug-in.
+//   braxcfg [--store PATH] COMMAND [ARGS...]
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "command.h"
+#include "platform/store.h"
+
+namespace {
+
+using braxcfg::tool::Args;
+using braxcfg::tool::Command;
+
+void printOverview(std::ostream& out) {
+    out << "usage: braxcfg [--store PATH] COMMAND [ARGS...]\n\ncommands:\n";
+    for (const Command& command : braxcfg::tool::registeredCommands()) {
+        std::string name = command.name;
+        name.resize(std::max<std::size_t>(name.size(), 12), ' ');
+        out << "  " << name << "  " << command.summary << "\n";
+    }
+    out << "\nThe store is PATH, else $BRAXCFG_STORE, else the machine-wide or per-user file.\n"
+           "'braxcfg COMMAND --help' describes a command.\n";
+}
+
+const Command* findCommand(const std::string& name) {
+    for (const Command& command : braxcfg::tool::registeredCommands())
+        if (name == command.name) return &command;
+    return nullptr;
+}
+
+// --help anywhere before "--" asks for the command's usage.
+bool asksForHelp(const Args& args) {
+    for (const std::string& word : args) {
+        if (word == "--") return false;
+        if (word == "--help" || word == "-h") return true;
+    }
+    return false;
+}
+
+// Opens the store a command needs and says clearly why it cannot be used.
+int prepareStore(const Command& command, const std::string& storeOption) {
+    using namespace braxcfg::platform;
+    if (command.store == braxcfg::tool::StoreUse::None) return 0;
+    const std::string path = storeOption.empty() ? resolveStorePath() : storeOption;
+    const StoreStatus status = openStore(path);
+    if (status.state != StoreOpenState::Open)
+        return braxcfg::tool::fail("cannot use the store " + path + ": " + status.error);
+    if (command.store == braxcfg::tool::StoreUse::Write && !status.writable)
+        return braxcfg::tool::fail("the store " + path +
+                                   " is not writable by this user; run as its owner or pass --store PATH");
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Args args(argv + 1, argv + argc);
+    std::string storeOption;
+    // --store may stand before the command or among its options.
+    for (std::size_t i = 0; i < args.size() && args[i] != "--"; ++i) {
+        if (args[i] == "--store") {
+            if (i + 1 >= args.size()) return braxcfg::tool::fail("option --store needs a value");
+            storeOption = args[i + 1];
+            args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
+            break;
+        }
+    }
+    if (!storeOption.empty()) {
+        // The plug-in the tool loads reads the same store.
+        setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
+    }
+    if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+        printOverview(std::cout);
+        return args.empty() ? braxcfg::tool::kExitError : 0;
+    }
+    const Command* command = findCommand(args[0]);
+    if (command == nullptr) {
+        printOverview(std::cerr);
+        return braxcfg::tool::fail("unknown command '" + args[0] + "'");
+    }
+    const Args rest(args.begin() + 1, args.end());
+    if (asksForHelp(rest)) {
+        std::cout << command->usage;
+        return 0;
+    }
+    if (int rc = prepareStore(*command, storeOption); rc != 0) return rc;
+    return command->run(rest);
+}
