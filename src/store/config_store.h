@@ -37,6 +37,8 @@ public:
     int GetMaxIntfNum() const;
     // A non-empty "VISAName".
     int IsValidVisaIntf(const std::string& intf) const;
+    // Valid, and holding a value named exactly "VISAAutoConfigDriver".
+    int IsVisaIntfSetup(const std::string& intf) const;
     // Marks the interface set up (once only) and creates its interface
     // resources from "DefaultIntfRsrcs".
     void SetupIntfEntries(const std::string& intf, int autoConfig) const;

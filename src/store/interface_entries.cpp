@@ -1,0 +1,100 @@
+// Interface entries: reading an INTF<n> key and marking it set up.
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/registry.h"
+#include "platform/store.h"
+#include "store/config_store.h"
+
+namespace braxcfg::store {
+namespace {
+
+using platform::kRegOpenExisting;
+using platform::kRegOpenOrCreate;
+using platform::Registry;
+
+struct TypeWord {
+    const char* word;
+    std::uint16_t code;
+};
+
+// Compared in this order, case-sensitively.
+constexpr TypeWord kTypeWords[] = {
+    {"ASRL", kIntfAsrl}, {"VXI", kIntfVxi},   {"GPIB-VXI", kIntfGpibVxi}, {"GPIB", kIntfGpib},
+    {"TCPIP", kIntfTcpip}, {"USB", kIntfUsb}, {"RSIB", kIntfRsib},       {"PXI", kIntfPxi},
+};
+
+std::uint16_t codeOfTypeWord(const std::string& word) {
+    for (const TypeWord& entry : kTypeWords)
+        if (word == entry.word) return entry.code;
+    return kIntfUnknown;
+}
+
+std::string normalisedRsrcType(const std::string& stored) {
+    return stored == "SOCKET" ? "SOCKET" : "INSTR";
+}
+
+// Creates the interface resources that "DefaultIntfRsrcs" marks for the
+// interface's type word, named "<VISAName>::<class>".
+void createInterfaceResources(const Registry& intfKey) {
+    const std::string visaName = intfKey.getString("VISAName");
+    const std::string typeWord = intfKey.getString("VISAIntfType");
+    Registry resources(intfKey.handle(), "VISAIntfRsrc", kRegOpenOrCreate);
+    Registry templates("VISAInfo\\DefaultIntfRsrcs", kRegOpenExisting);
+    for (std::uint32_t index = 0;; ++index) {
+        const std::string className = templates.enumKey(index);
+        if (className.empty()) break;
+        Registry classKey(templates.handle(), className, kRegOpenExisting);
+        if (!classKey.getBool(typeWord)) continue;
+        Registry entry(resources.handle(), visaName + "::" + className, kRegOpenOrCreate);
+        entry.setString("Driver", classKey.getString("DrvrName"));
+        entry.setString("Prefix", classKey.getString("PrefixName"));
+    }
+}
+
+}  // namespace
+
+std::string ConfigStore::GetVisaName(const std::string& intf) const {
+    return Registry(intf, kRegOpenExisting).getString("VISAName");
+}
+
+std::uint16_t ConfigStore::GetIntfType(const std::string& intf) const {
+    return codeOfTypeWord(Registry(intf, kRegOpenExisting).getString("VISAIntfType"));
+}
+
+std::uint16_t ConfigStore::GetIntfType(const std::string& intf, std::string& rsrcType) const {
+    Registry key(intf, kRegOpenExisting);
+    rsrcType = normalisedRsrcType(key.getString("VISARsrcType"));
+    return codeOfTypeWord(key.getString("VISAIntfType"));
+}
+
+int ConfigStore::GetMaxIntfNum() const {
+    Registry root("", kRegOpenExisting);
+    int max = 0;
+    for (std::uint32_t index = 0;; ++index) {
+        const std::string name = root.enumKey(index);
+        if (name.empty()) break;
+        if (name.size() > 4 && name.compare(0, 4, "INTF") == 0) max = std::max(max, std::atoi(name.c_str() + 4));
+    }
+    return max;
+}
+
+int ConfigStore::IsValidVisaIntf(const std::string& intf) const { return GetVisaName(intf).empty() ? 0 : 1; }
+
+int ConfigStore::IsVisaIntfSetup(const std::string& intf) const {
+    if (!IsValidVisaIntf(intf)) return 0;
+    return Registry(intf, kRegOpenExisting).valueExists("VISAAutoConfigDriver") ? 1 : 0;
+}
+
+void ConfigStore::SetupIntfEntries(const std::string& intf, int autoConfig) const {
+    platform::StoreTransaction transaction;
+    Registry key(intf, kRegOpenExisting);
+    if (key.valueExists("VISAAutoConfigDriver")) return;
+    key.setString("VISAAutoConfigDriver", "AUTOCF");
+    key.setBool("VISAAutoConfig", autoConfig != 0);
+    Registry devices(key.handle(), "VISADev", kRegOpenOrCreate);
+    createInterfaceResources(key);
+    transaction.commit();
+}
+
+}  // namespace braxcfg::store
