@@ -1,0 +1,511 @@
+#include "platform/sqlite_backend.h"
+
+#include <atomic>
+#include <cstring>
+
+#include "platform/debug_output.h"
+#include "platform/sqlite_key_path.h"
+#include "platform/sqlite_name_fold.h"
+#include "platform/sqlite_schema.h"
+
+namespace braxcfg::platform {
+namespace {
+
+constexpr RegResult kErrorNoAccess = 998;  // ERROR_NOACCESS: bad data pointer
+
+bool isStringType(RegType type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
+
+bool bothViewFlags(RegAccess access) {
+    return (access & kKeyWow64_64Key) != 0 && (access & kKeyWow64_32Key) != 0;
+}
+
+bool valueNameTooLong(const char* name) {
+    return name != nullptr && std::strlen(name) > kMaxValueNameLength;
+}
+
+std::string_view valueName(const char* name) { return name ? std::string_view(name) : std::string_view(); }
+
+// Handles are unique within the process, across every store it opens, so a
+// handle kept from a store that was since replaced is simply unknown.
+std::atomic<HKey> nextHandleNumber{0x1000};
+
+// Copies stored bytes to a caller's buffer of `capacity` bytes. A string that
+// was stored without its terminator gets one when there is room; it is not
+// counted in the size reported back.
+void copyData(const std::string& stored, RegType type, std::uint8_t* data, std::uint32_t capacity) {
+    if (stored.empty()) return;
+    std::memcpy(data, stored.data(), stored.size());
+    if (isStringType(type) && stored.size() < capacity && stored.back() != '\0') data[stored.size()] = 0;
+}
+
+}  // namespace
+
+// One store operation that only reads: its own snapshot unless a held
+// transaction already provides one.
+class ReadScope {
+public:
+    explicit ReadScope(SqliteBackend& backend) : backend_(backend) {
+        if (backend_.transactionLost()) return;
+        if (backend_.depth_ == 0) {
+            began_ = backend_.run("BEGIN");
+            ok_ = began_;
+        } else {
+            ok_ = true;
+        }
+    }
+    ~ReadScope() {
+        if (began_ && !backend_.run("COMMIT")) backend_.run("ROLLBACK");
+    }
+    ReadScope(const ReadScope&) = delete;
+    ReadScope& operator=(const ReadScope&) = delete;
+    RegResult status() const { return ok_ ? kErrorSuccess : kErrorBadDatabase; }
+
+private:
+    SqliteBackend& backend_;
+    bool began_ = false;
+    bool ok_ = false;
+};
+
+// One store operation that writes: a transaction of its own holding the
+// write lock (waiting for other processes up to the busy timeout), or a
+// savepoint inside a held transaction, so a failed operation leaves nothing
+// half done either way.
+class WriteScope {
+public:
+    explicit WriteScope(SqliteBackend& backend) : backend_(backend) {
+        if (!backend_.writable_ || backend_.transactionLost()) {
+            status_ = kErrorCantWrite;
+            return;
+        }
+        const char* begin = backend_.depth_ == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT op";
+        if (!backend_.run(begin)) {
+            status_ = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
+            return;
+        }
+        open_ = true;
+    }
+    ~WriteScope() {
+        if (open_) undo();
+    }
+    WriteScope(const WriteScope&) = delete;
+    WriteScope& operator=(const WriteScope&) = delete;
+
+    RegResult status() const { return status_; }
+
+    RegResult commit() {
+        open_ = false;
+        ++backend_.localStamp_;
+        const char* end = backend_.depth_ == 0 ? "COMMIT" : "RELEASE op";
+        if (backend_.run(end)) return kErrorSuccess;
+        const RegResult failure = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
+        undo();
+        return failure;
+    }
+
+private:
+    void undo() {
+        open_ = false;
+        ++backend_.localStamp_;
+        if (backend_.depth_ == 0) {
+            backend_.run("ROLLBACK");
+        } else if (!backend_.transactionLost()) {
+            backend_.run("ROLLBACK TO op");
+            backend_.run("RELEASE op");
+        }
+    }
+
+    SqliteBackend& backend_;
+    RegResult status_ = kErrorSuccess;
+    bool open_ = false;
+};
+
+SqliteBackend::SqliteBackend(std::unique_ptr<SqliteConnection> db, bool writable)
+    : db_(std::move(db)), writable_(writable) {
+    root_.id = kRootKeyId;
+}
+
+SqliteBackend::~SqliteBackend() {
+    std::lock_guard lock(mutex_);
+    while (depth_ > 0) rollbackTransaction();
+}
+
+bool SqliteBackend::run(const char* sql) {
+    StatementUse stmt(db_->cached(sql));
+    return stmt.valid() && stmt->step() == SQLITE_DONE;
+}
+
+bool SqliteBackend::transactionLost() const {
+    return depth_ > 0 && sqlite3_get_autocommit(db_->handle()) != 0;
+}
+
+RegResult SqliteBackend::sqlFailure(int rc, bool writing) {
+    debugOutput("Configuration store: " + db_->lastError() + "\n");
+    switch (rc & 0xFF) {
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return kErrorBadDatabase;
+        default:
+            return writing ? kErrorCantWrite : kErrorBadDatabase;
+    }
+}
+
+HKey SqliteBackend::newHandle(std::int64_t id) {
+    HKey handle = nextHandleNumber++;
+    if (handle == kLocalMachine) handle = nextHandleNumber++;
+    handles_[handle].id = id;
+    return handle;
+}
+
+SqliteBackend::OpenKey* SqliteBackend::openKeyOf(HKey key) {
+    if (key == kLocalMachine) return &root_;
+    const auto it = handles_.find(key);
+    return it == handles_.end() ? nullptr : &it->second;
+}
+
+bool SqliteBackend::keyExists(std::int64_t id) {
+    StatementUse stmt(db_->cached("SELECT 1 FROM keys WHERE id = ?"));
+    return stmt.valid() && stmt->bind(1, id).step() == SQLITE_ROW;
+}
+
+RegResult SqliteBackend::keyIdOf(HKey key, std::int64_t* id) {
+    const OpenKey* open = openKeyOf(key);
+    if (!open) return kErrorInvalidHandle;
+    *id = open->id;
+    return keyExists(open->id) ? kErrorSuccess : kErrorKeyDeleted;
+}
+
+RegResult SqliteBackend::findChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
+    StatementUse stmt(db_->cached("SELECT id FROM keys WHERE parent = ? AND folded = ?"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
+    const int rc = stmt->bind(1, parent).bindBlob(2, foldName(name)).step();
+    if (rc == SQLITE_ROW) {
+        *id = stmt->columnInt(0);
+        return kErrorSuccess;
+    }
+    return rc == SQLITE_DONE ? kErrorFileNotFound : sqlFailure(rc, false);
+}
+
+RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
+    StatementUse stmt(db_->cached("INSERT INTO keys (parent, name, folded) VALUES (?, ?, ?)"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, foldName(name)).step();
+    if (rc != SQLITE_DONE) return sqlFailure(rc, true);
+    *id = sqlite3_last_insert_rowid(db_->handle());
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::findPath(std::int64_t from, const char* subKey, std::int64_t* id) {
+    std::vector<std::string_view> names;
+    if (const RegResult rc = splitKeyPath(subKey, &names); rc != kErrorSuccess) return rc;
+    *id = from;
+    for (const auto name : names)
+        if (const RegResult rc = findChild(*id, name, id); rc != kErrorSuccess) return rc;
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::createPath(std::int64_t from, const char* subKey, std::int64_t* id, bool* created) {
+    std::vector<std::string_view> names;
+    if (const RegResult rc = splitKeyPath(subKey, &names); rc != kErrorSuccess) return rc;
+    *id = from;
+    *created = false;
+    for (const auto name : names) {
+        RegResult rc = findChild(*id, name, id);
+        if (rc == kErrorFileNotFound) {
+            rc = addChild(*id, name, id);
+            *created = true;
+        }
+        if (rc != kErrorSuccess) return rc;
+    }
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::openKey(HKey parent, const char* subKey, RegAccess access, HKey* result) {
+    if (!result || bothViewFlags(access)) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t from = 0;
+    RegResult rc = keyIdOf(parent, &from);
+    if (rc == kErrorInvalidHandle) return rc;
+    if (rc == kErrorSuccess && parent == kLocalMachine && (!subKey || !*subKey)) {
+        *result = kLocalMachine;
+        return kErrorSuccess;
+    }
+    std::int64_t id = 0;
+    if (rc == kErrorSuccess) rc = findPath(from, subKey, &id);
+    *result = rc == kErrorSuccess ? newHandle(id) : kNoKey;
+    return rc;
+}
+
+RegResult SqliteBackend::createKey(HKey parent, const char* subKey, RegAccess access, HKey* result,
+                                   bool* created) {
+    if (!result || bothViewFlags(access)) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    std::int64_t id = 0;
+    bool isNew = false;
+    RegResult rc = kErrorSuccess;
+    {
+        // An existing key needs no write, so it opens in a read-only store too.
+        ReadScope scope(*this);
+        if (scope.status() != kErrorSuccess) return scope.status();
+        std::int64_t from = 0;
+        rc = keyIdOf(parent, &from);
+        if (rc == kErrorInvalidHandle) return rc;
+        if (rc == kErrorSuccess) rc = findPath(from, subKey, &id);
+    }
+    if (rc == kErrorFileNotFound) {
+        WriteScope scope(*this);
+        rc = scope.status();
+        std::int64_t from = 0;
+        if (rc == kErrorSuccess) rc = keyIdOf(parent, &from);
+        if (rc == kErrorSuccess) rc = createPath(from, subKey, &id, &isNew);
+        if (rc == kErrorSuccess) rc = scope.commit();
+    }
+    *result = rc == kErrorSuccess ? newHandle(id) : kNoKey;
+    if (created && rc == kErrorSuccess) *created = isNew;
+    return rc;
+}
+
+RegResult SqliteBackend::closeKey(HKey key) {
+    std::lock_guard lock(mutex_);
+    if (key == kLocalMachine) return kErrorSuccess;
+    return handles_.erase(key) == 1 ? kErrorSuccess : kErrorInvalidHandle;
+}
+
+RegResult SqliteBackend::readValue(std::int64_t keyId, const char* name, StoredValue* value) {
+    StatementUse stmt(db_->cached("SELECT name, type, data FROM key_values WHERE key_id = ? AND folded = ?"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
+    const int rc = stmt->bind(1, keyId).bindBlob(2, foldName(valueName(name))).step();
+    if (rc != SQLITE_ROW) return rc == SQLITE_DONE ? kErrorFileNotFound : sqlFailure(rc, false);
+    value->name = stmt->columnBlob(0);
+    value->type = static_cast<RegType>(stmt->columnInt(1));
+    value->data = stmt->columnBlob(2);
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::readValueAt(std::int64_t keyId, std::uint32_t index, StoredValue* value) {
+    StatementUse stmt(db_->cached(
+        "SELECT name, type, data FROM key_values WHERE key_id = ? ORDER BY seq LIMIT 1 OFFSET ?"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
+    const int rc = stmt->bind(1, keyId).bind(2, index).step();
+    if (rc != SQLITE_ROW) return rc == SQLITE_DONE ? kErrorNoMoreItems : sqlFailure(rc, false);
+    value->name = stmt->columnBlob(0);
+    value->type = static_cast<RegType>(stmt->columnInt(1));
+    value->data = stmt->columnBlob(2);
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::queryValue(HKey key, const char* name, RegType* type, std::uint8_t* data,
+                                    std::uint32_t* cbData) {
+    if ((data && !cbData) || valueNameTooLong(name)) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+    StoredValue value;
+    if (const RegResult rc = readValue(id, name, &value); rc != kErrorSuccess) {
+        if (rc == kErrorFileNotFound && !data && cbData) *cbData = 0;
+        return rc;
+    }
+    if (type) *type = value.type;
+    const auto size = static_cast<std::uint32_t>(value.data.size());
+    if (data) {
+        if (size > *cbData) {
+            *cbData = size;
+            return kErrorMoreData;
+        }
+        copyData(value.data, value.type, data, *cbData);
+    }
+    if (cbData) *cbData = size;
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::setValue(HKey key, const char* name, RegType type, const std::uint8_t* data,
+                                  std::uint32_t cbData) {
+    if (valueNameTooLong(name)) return kErrorInvalidParameter;
+    if (!data && cbData > 0) return kErrorNoAccess;
+    std::uint32_t size = cbData;
+    // A caller that counted a string without its terminator gets it stored
+    // anyway when the byte after the data is the terminator.
+    if (data && isStringType(type) && cbData > 0 && data[cbData - 1] != 0 && data[cbData] == 0) ++size;
+    const std::string bytes = size ? std::string(reinterpret_cast<const char*>(data), size) : std::string();
+
+    std::lock_guard lock(mutex_);
+    WriteScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+    StoredValue existing;
+    RegResult rc = readValue(id, name, &existing);
+    if (rc == kErrorSuccess) {
+        // Rewriting identical data changes nothing, so other processes are
+        // not told the store changed.
+        if (existing.type == type && existing.data == bytes) return kErrorSuccess;
+        // An existing value keeps its place in the enumeration and its name.
+        StatementUse stmt(db_->cached("UPDATE key_values SET type = ?, data = ? WHERE key_id = ? AND folded = ?"));
+        if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step =
+            stmt->bind(1, type).bindBlob(2, bytes).bind(3, id).bindBlob(4, foldName(valueName(name))).step();
+        if (step != SQLITE_DONE) return sqlFailure(step, true);
+    } else if (rc == kErrorFileNotFound) {
+        // A new value goes after every value the key has.
+        StatementUse stmt(db_->cached(
+            "INSERT INTO key_values (key_id, seq, name, folded, type, data) "
+            "VALUES (?1, (SELECT IFNULL(MAX(seq), 0) + 1 FROM key_values WHERE key_id = ?1), ?2, ?3, ?4, ?5)"));
+        if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step = stmt->bind(1, id)
+                             .bindBlob(2, valueName(name))
+                             .bindBlob(3, foldName(valueName(name)))
+                             .bind(4, type)
+                             .bindBlob(5, bytes)
+                             .step();
+        if (step != SQLITE_DONE) return sqlFailure(step, true);
+    } else {
+        return rc;
+    }
+    return scope.commit();
+}
+
+RegResult SqliteBackend::deleteValue(HKey key, const char* name) {
+    if (valueNameTooLong(name)) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    WriteScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+    StatementUse stmt(db_->cached("DELETE FROM key_values WHERE key_id = ? AND folded = ?"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    const int step = stmt->bind(1, id).bindBlob(2, foldName(valueName(name))).step();
+    if (step != SQLITE_DONE) return sqlFailure(step, true);
+    if (sqlite3_changes(db_->handle()) == 0) return kErrorFileNotFound;
+    return scope.commit();
+}
+
+RegResult SqliteBackend::deleteKey(HKey parent, const char* subKey) {
+    if (!subKey) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    WriteScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t from = 0;
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(parent, &from); rc != kErrorSuccess) return rc;
+    if (const RegResult rc = findPath(from, subKey, &id); rc != kErrorSuccess) return rc;
+    if (id == kRootKeyId) return kErrorAccessDenied;
+    {
+        StatementUse children(db_->cached("SELECT 1 FROM keys WHERE parent = ? LIMIT 1"));
+        if (!children.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step = children->bind(1, id).step();
+        if (step == SQLITE_ROW) return kErrorAccessDenied;
+        if (step != SQLITE_DONE) return sqlFailure(step, true);
+    }
+    for (const char* sql : {"DELETE FROM key_values WHERE key_id = ?", "DELETE FROM keys WHERE id = ?"}) {
+        StatementUse stmt(db_->cached(sql));
+        if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
+    }
+    return scope.commit();
+}
+
+std::int64_t SqliteBackend::dataVersion() { return db_->queryInt("PRAGMA data_version", -1); }
+
+RegResult SqliteBackend::loadChildren(OpenKey& key) {
+    key.children.loaded = false;
+    key.children.names.clear();
+    if (!keyExists(key.id)) return kErrorKeyDeleted;
+    StatementUse stmt(db_->cached("SELECT name FROM keys WHERE parent = ? ORDER BY folded"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
+    stmt->bind(1, key.id);
+    int rc = SQLITE_ROW;
+    while ((rc = stmt->step()) == SQLITE_ROW) key.children.names.emplace_back(stmt->columnBlob(0));
+    if (rc != SQLITE_DONE) return sqlFailure(rc, false);
+    key.children.loaded = true;
+    key.children.localStamp = localStamp_;
+    key.children.dataVersion = dataVersion();
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) {
+    if (!name) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    OpenKey* open = openKeyOf(key);
+    if (!open) return kErrorInvalidHandle;
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    // Enumerating by increasing index reads the sorted list once, not once
+    // per index, until this process or another one changes the store.
+    const ChildList& cache = open->children;
+    if (!cache.loaded || cache.localStamp != localStamp_ || cache.dataVersion != dataVersion())
+        if (const RegResult rc = loadChildren(*open); rc != kErrorSuccess) return rc;
+    const auto& names = open->children.names;
+    if (index >= names.size()) return kErrorNoMoreItems;
+    const std::string& found = names[index];
+    if (found.size() + 1 > cchName) return kErrorMoreData;
+    std::memcpy(name, found.c_str(), found.size() + 1);
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName,
+                                   RegType* type, std::uint8_t* data, std::uint32_t* cbData) {
+    if (!name || !cchName || (data && !cbData)) return kErrorInvalidParameter;
+    std::lock_guard lock(mutex_);
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+    StoredValue value;
+    if (const RegResult rc = readValueAt(id, index, &value); rc != kErrorSuccess) return rc;
+    if (type) *type = value.type;
+    const auto size = static_cast<std::uint32_t>(value.data.size());
+    const std::uint32_t capacity = cbData ? *cbData : 0;
+    if (cbData) *cbData = size;
+    // Either buffer too small: neither is written and the name size stays
+    // as the caller passed it.
+    if (value.name.size() + 1 > *cchName || (data && size > capacity)) return kErrorMoreData;
+    std::memcpy(name, value.name.c_str(), value.name.size() + 1);
+    *cchName = static_cast<std::uint32_t>(value.name.size());
+    if (data) copyData(value.data, value.type, data, capacity);
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::beginTransaction() {
+    std::lock_guard lock(mutex_);
+    if (transactionLost()) return kErrorCantWrite;
+    const char* begin = depth_ > 0 ? "SAVEPOINT nest" : writable_ ? "BEGIN IMMEDIATE" : "BEGIN";
+    if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    ++depth_;
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::commitTransaction() {
+    std::lock_guard lock(mutex_);
+    if (depth_ == 0) return kErrorInvalidParameter;
+    if (transactionLost()) {
+        --depth_;
+        return kErrorCantWrite;
+    }
+    --depth_;
+    if (depth_ > 0) return run("RELEASE nest") ? kErrorSuccess : kErrorCantWrite;
+    if (run("COMMIT")) return kErrorSuccess;
+    const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
+    run("ROLLBACK");
+    ++localStamp_;
+    return failure;
+}
+
+void SqliteBackend::rollbackTransaction() {
+    std::lock_guard lock(mutex_);
+    if (depth_ == 0) return;
+    const bool lost = transactionLost();
+    --depth_;
+    ++localStamp_;
+    if (lost) return;
+    if (depth_ == 0) {
+        run("ROLLBACK");
+    } else {
+        run("ROLLBACK TO nest");
+        run("RELEASE nest");
+    }
+}
+
+}  // namespace braxcfg::platform

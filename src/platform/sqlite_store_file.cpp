@@ -1,0 +1,207 @@
+#include "platform/sqlite_store_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
+#include "platform/sqlite_backend.h"
+#include "platform/sqlite_schema.h"
+
+namespace braxcfg::platform {
+namespace {
+
+// Another process may hold the write lock for a whole dialog's worth of
+// changes; wait that long, but never forever.
+constexpr int kBusyTimeoutMs = 5000;
+constexpr std::size_t kHeaderSize = 100;
+constexpr char kSqliteMagic[] = "SQLite format 3";  // 16 bytes with its NUL
+
+struct Failure {
+    StoreOpenState state;
+    std::string error;
+};
+
+SqliteStoreOpening failed(const std::string& path, StoreOpenState state, std::string error) {
+    SqliteStoreOpening opening;
+    opening.status.state = state;
+    opening.status.path = path;
+    opening.status.error = std::move(error);
+    return opening;
+}
+
+std::string folderOf(const std::string& path) {
+    const auto parent = std::filesystem::path(path).parent_path();
+    return parent.empty() ? std::string(".") : parent.string();
+}
+
+// A new store file gets mode 0644 whatever the umask: only its owner
+// writes it, everybody reads it.
+bool createEmptyStoreFile(const std::string& path, std::string* error) {
+    std::error_code ec;
+    std::filesystem::create_directories(folderOf(path), ec);
+    if (ec) {
+        *error = "cannot create the folder " + folderOf(path) + ": " + ec.message();
+        return false;
+    }
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (fd < 0) {
+        if (errno == EEXIST) return true;  // another process was quicker
+        *error = "cannot create " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    ::fchmod(fd, 0644);
+    ::close(fd);
+    return true;
+}
+
+std::uint32_t bigEndian32(const unsigned char* p) {
+    return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
+}
+
+// Looks at the file header without SQLite, so a file that is not a store
+// is never handed to code that might write to it. Empty when it looks sound.
+std::string headerProblem(int fd, off_t size) {
+    if (size == 0) return {};  // a new, empty store
+    std::array<unsigned char, kHeaderSize> header{};
+    if (size < static_cast<off_t>(kHeaderSize) || ::pread(fd, header.data(), header.size(), 0) !=
+                                                       static_cast<ssize_t>(header.size()))
+        return "the file is too short to be a store";
+    if (std::memcmp(header.data(), kSqliteMagic, sizeof kSqliteMagic) != 0)
+        return "the file is not a store (unknown header)";
+    std::uint32_t pageSize = (std::uint32_t{header[16]} << 8) | header[17];
+    if (pageSize == 1) pageSize = 65536;
+    if (pageSize < 512 || (pageSize & (pageSize - 1)) != 0) return "the header is damaged (page size)";
+    // The page count in the header is only meaningful when it was written by
+    // the same change as the counter that validates it.
+    const std::uint32_t pages = bigEndian32(&header[28]);
+    const bool pagesValid = bigEndian32(&header[24]) == bigEndian32(&header[92]) && pages != 0;
+    if (pagesValid && static_cast<std::uint64_t>(pages) * pageSize > static_cast<std::uint64_t>(size))
+        return "the file is truncated";
+    return {};
+}
+
+std::string uriEncoded(const std::string& path) {
+    std::string uri = "file:";
+    for (const char c : path) {
+        if (c == '?' || c == '#' || c == '%') {
+            static const char hex[] = "0123456789ABCDEF";
+            uri += '%';
+            uri += hex[(static_cast<unsigned char>(c) >> 4) & 0xF];
+            uri += hex[static_cast<unsigned char>(c) & 0xF];
+        } else {
+            uri += c;
+        }
+    }
+    return uri;
+}
+
+// The result of PRAGMA quick_check: "ok", a description of the damage, or
+// empty with the SQLite code in *rc when the check could not run.
+std::string quickCheck(SqliteConnection& db, int* rc) {
+    StatementUse stmt(db.cached("PRAGMA quick_check(1)"));
+    if (!stmt.valid()) {
+        *rc = sqlite3_errcode(db.handle());
+        return {};
+    }
+    *rc = stmt->step();
+    if (*rc != SQLITE_ROW) return {};
+    *rc = SQLITE_OK;
+    return std::string(stmt->columnBlob(0));
+}
+
+bool cannotOpenSideFiles(int rc) {
+    const int primary = rc & 0xFF;
+    return primary == SQLITE_CANTOPEN || primary == SQLITE_READONLY;
+}
+
+bool isDamage(int rc) {
+    const int primary = rc & 0xFF;
+    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+}
+
+// Opens read-only and checks the file. A reader who cannot create the
+// shared-memory file next to a store in WAL mode still reads it, as an
+// unchanging file.
+std::optional<Failure> openChecked(const std::string& path, SqliteConnection& db) {
+    int rc = SQLITE_OK;
+    std::string verdict;
+    for (const bool immutable : {false, true}) {
+        const std::string name = immutable ? uriEncoded(path) + "?immutable=1" : path;
+        rc = db.open(name, SQLITE_OPEN_READONLY);
+        if (rc == SQLITE_OK) {
+            sqlite3_busy_timeout(db.handle(), kBusyTimeoutMs);
+            verdict = quickCheck(db, &rc);
+        }
+        if (rc == SQLITE_OK || !cannotOpenSideFiles(rc)) break;
+    }
+    if (isDamage(rc)) return Failure{StoreOpenState::Corrupt, "the store is damaged: " + db.lastError()};
+    if (rc != SQLITE_OK) return Failure{StoreOpenState::Unreadable, "cannot read the store: " + db.lastError()};
+    if (verdict != "ok") return Failure{StoreOpenState::Corrupt, "the store is damaged: " + verdict};
+    if (inspectSchema(db) == SchemaState::Foreign)
+        return Failure{StoreOpenState::Corrupt, "the file is a database of another program, not a store"};
+    return std::nullopt;
+}
+
+bool writableByUs(const std::string& path) {
+    // The folder too: SQLite keeps its log and shared-memory files there.
+    return ::access(path.c_str(), W_OK) == 0 && ::access(folderOf(path).c_str(), W_OK) == 0;
+}
+
+std::optional<Failure> openForWriting(const std::string& path, SqliteConnection& db) {
+    if (db.open(path, SQLITE_OPEN_READWRITE) != SQLITE_OK)
+        return Failure{StoreOpenState::Unreadable, "cannot open the store: " + db.lastError()};
+    sqlite3_busy_timeout(db.handle(), kBusyTimeoutMs);
+    // Keep the log files after the last writer closes, so readers without
+    // write access to the folder can still open a store in WAL mode.
+    int persist = 1;
+    sqlite3_file_control(db.handle(), nullptr, SQLITE_FCNTL_PERSIST_WAL, &persist);
+    db.exec("PRAGMA journal_mode = WAL");
+    db.exec("PRAGMA synchronous = NORMAL");
+    std::string error;
+    if (inspectSchema(db) == SchemaState::Empty && !createSchema(db, &error))
+        return Failure{StoreOpenState::Unreadable, "cannot set up the store: " + error};
+    return std::nullopt;
+}
+
+}  // namespace
+
+SqliteStoreOpening openSqliteStore(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        if (errno != ENOENT) return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
+        std::string error;
+        if (!createEmptyStoreFile(path, &error)) return failed(path, StoreOpenState::Missing, error);
+        if (::stat(path.c_str(), &info) != 0)
+            return failed(path, StoreOpenState::Missing, path + ": " + std::strerror(errno));
+    }
+    if (!S_ISREG(info.st_mode)) return failed(path, StoreOpenState::Unreadable, path + ": not a regular file");
+
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
+    const std::string problem = headerProblem(fd, info.st_size);
+    ::close(fd);
+    if (!problem.empty()) return failed(path, StoreOpenState::Corrupt, path + ": " + problem);
+
+    auto db = std::make_unique<SqliteConnection>();
+    if (auto failure = openChecked(path, *db)) return failed(path, failure->state, path + ": " + failure->error);
+    bool writable = writableByUs(path);
+    if (writable) {
+        if (auto failure = openForWriting(path, *db))
+            return failed(path, failure->state, path + ": " + failure->error);
+    }
+
+    SqliteStoreOpening opening;
+    opening.status.state = StoreOpenState::Open;
+    opening.status.writable = writable;
+    opening.status.path = path;
+    opening.backend = std::make_unique<SqliteBackend>(std::move(db), writable);
+    return opening;
+}
+
+}  // namespace braxcfg::platform

@@ -1,0 +1,150 @@
+#include "platform/store.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "platform/debug_output.h"
+#include "platform/sqlite_store_file.h"
+#include "platform/store_unopened_backend.h"
+
+namespace braxcfg::platform {
+namespace {
+
+// currentStore() hands out this one object for the life of the process and
+// openStore swaps what is behind it, so a reference a caller kept (a
+// Registry, a transaction) never dangles; handles from the previous store
+// are simply unknown to the next one.
+class StoreSwitch final : public StoreBackend {
+public:
+    StoreSwitch() : target_(std::make_shared<UnopenedBackend>(kErrorInvalidHandle)) {}
+
+    void replace(std::shared_ptr<StoreBackend> next) {
+        std::lock_guard lock(mutex_);
+        target_ = std::move(next);
+    }
+
+    RegResult openKey(HKey parent, const char* subKey, RegAccess access, HKey* result) override {
+        return target()->openKey(parent, subKey, access, result);
+    }
+    RegResult createKey(HKey parent, const char* subKey, RegAccess access, HKey* result,
+                        bool* created) override {
+        return target()->createKey(parent, subKey, access, result, created);
+    }
+    RegResult closeKey(HKey key) override { return target()->closeKey(key); }
+    RegResult queryValue(HKey key, const char* name, RegType* type, std::uint8_t* data,
+                         std::uint32_t* cbData) override {
+        return target()->queryValue(key, name, type, data, cbData);
+    }
+    RegResult setValue(HKey key, const char* name, RegType type, const std::uint8_t* data,
+                       std::uint32_t cbData) override {
+        return target()->setValue(key, name, type, data, cbData);
+    }
+    RegResult deleteValue(HKey key, const char* name) override { return target()->deleteValue(key, name); }
+    RegResult deleteKey(HKey parent, const char* subKey) override { return target()->deleteKey(parent, subKey); }
+    RegResult enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) override {
+        return target()->enumKey(key, index, name, cchName);
+    }
+    RegResult enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName, RegType* type,
+                        std::uint8_t* data, std::uint32_t* cbData) override {
+        return target()->enumValue(key, index, name, cchName, type, data, cbData);
+    }
+    RegResult beginTransaction() override { return target()->beginTransaction(); }
+    RegResult commitTransaction() override { return target()->commitTransaction(); }
+    void rollbackTransaction() override { target()->rollbackTransaction(); }
+
+private:
+    std::shared_ptr<StoreBackend> target() {
+        std::lock_guard lock(mutex_);
+        return target_;
+    }
+
+    std::mutex mutex_;
+    std::shared_ptr<StoreBackend> target_;
+};
+
+struct ProcessStore {
+    std::mutex mutex;
+    StoreSwitch backend;
+    StoreStatus status;
+    bool chosen = false;  // opened once, or closed on purpose
+    std::atomic<std::uint64_t> generation{0};
+};
+
+// Never destroyed: code running from other static destructors may still
+// close its keys.
+ProcessStore& processStore() {
+    static auto* store = new ProcessStore;
+    return *store;
+}
+
+RegResult failureFor(StoreOpenState state) {
+    switch (state) {
+        case StoreOpenState::Corrupt: return kErrorBadDatabase;
+        case StoreOpenState::Unreadable: return kErrorAccessDenied;
+        default: return kErrorFileNotFound;
+    }
+}
+
+StoreStatus openLocked(ProcessStore& store, const std::string& path) {
+    SqliteStoreOpening opening = openSqliteStore(path);
+    if (opening.backend) {
+        store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
+    } else {
+        debugOutput("Configuration store not opened: " + opening.status.error + "\n");
+        store.backend.replace(std::make_shared<UnopenedBackend>(failureFor(opening.status.state)));
+    }
+    store.status = opening.status;
+    store.chosen = true;
+    ++store.generation;
+    return store.status;
+}
+
+ProcessStore& openedProcessStore() {
+    ProcessStore& store = processStore();
+    std::lock_guard lock(store.mutex);
+    if (!store.chosen) openLocked(store, resolveStorePath());
+    return store;
+}
+
+}  // namespace
+
+StoreStatus openStore(const std::string& path) {
+    ProcessStore& store = processStore();
+    std::lock_guard lock(store.mutex);
+    return openLocked(store, path);
+}
+
+void closeStore() {
+    ProcessStore& store = processStore();
+    std::lock_guard lock(store.mutex);
+    store.backend.replace(std::make_shared<UnopenedBackend>(kErrorInvalidHandle));
+    store.status = StoreStatus{};
+    store.status.error = "no store is open";
+    store.chosen = true;
+    ++store.generation;
+}
+
+StoreBackend& currentStore() { return openedProcessStore().backend; }
+
+const StoreStatus& currentStoreStatus() { return openedProcessStore().status; }
+
+std::uint64_t storeGeneration() { return processStore().generation.load(); }
+
+StoreTransaction::StoreTransaction() : StoreTransaction(currentStore()) {}
+
+StoreTransaction::StoreTransaction(StoreBackend& store) : store_(store) {
+    active_ = store_.beginTransaction() == kErrorSuccess;
+}
+
+StoreTransaction::~StoreTransaction() {
+    if (active_) store_.rollbackTransaction();
+}
+
+bool StoreTransaction::commit() {
+    if (!active_) return false;
+    active_ = false;
+    return store_.commitTransaction() == kErrorSuccess;
+}
+
+}  // namespace braxcfg::platform
