@@ -1,0 +1,35 @@
+#pragma once
+// The one allocation helper of the resource-string code, and the fault hook
+// tests use to make a chosen allocation fail. Allocation failure is an
+// answer here (a null buffer), never an exception.
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace braxcfg::rsrc {
+
+// Process-wide: counts allocations made through allocateChars and, when
+// armed, makes the n-th one from the arming (1-based) fail once.
+class AllocationFaults {
+public:
+    // Arms the hook so that the n-th allocation from now fails; 0 disarms.
+    static void failAt(std::uint64_t n);
+    static void disarm() { failAt(0); }
+    // Allocations made since the last failAt/disarm (failed ones included).
+    static std::uint64_t allocationsSinceArmed();
+};
+
+// Disarms the hook when it goes out of scope, so a failing test leaves no
+// armed fault behind for the next one.
+class ScopedAllocationFault {
+public:
+    explicit ScopedAllocationFault(std::uint64_t n) { AllocationFaults::failAt(n); }
+    ~ScopedAllocationFault() { AllocationFaults::disarm(); }
+    ScopedAllocationFault(const ScopedAllocationFault&) = delete;
+    ScopedAllocationFault& operator=(const ScopedAllocationFault&) = delete;
+};
+
+// `size` characters, or null when memory (or the fault hook) says no.
+std::unique_ptr<char[]> allocateChars(std::size_t size);
+
+}  // namespace braxcfg::rsrc

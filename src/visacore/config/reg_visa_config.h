@@ -1,0 +1,31 @@
+#pragma once
+// The VISA configuration kept in the configuration store: interface keys
+// "INTF<n>" below the product key.
+#include <string>
+
+#include "visacore/config/base_visa_config.h"
+
+namespace braxcfg::visa {
+
+class RegVISAConfig : public BaseVISAConfig {
+public:
+    RegVISAConfig() = default;
+    // Highest <n> among the subkeys "INTF<n>" (case-sensitive, digits read
+    // as atoi does); 0 when there is none.
+    virtual int getMaxIntfNum();
+};
+
+// One interface of a RegVISAConfig: the interface key whose "VISAName" is
+// `intf` (the first from INTF0 upward). An interface that has no key
+// answers as a store-wide object does.
+class RegVISAIntfConfig : public BaseVISAConfig {
+public:
+    RegVISAIntfConfig(RegVISAConfig* config, const char* intf);
+    char* getKorlIntfName(char* buf) override;
+    ViUInt32 isExportEnabled() override;
+
+private:
+    std::string keyName_;  // "INTF<n>", empty when not found
+};
+
+}  // namespace braxcfg::visa
