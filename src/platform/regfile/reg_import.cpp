@@ -1,0 +1,78 @@
+#include "platform/regfile/reg_import.h"
+
+#include "platform/regfile/reg_parser.h"
+#include "platform/regfile/reg_path.h"
+#include "platform/regfile/store_key.h"
+#include "platform/store.h"
+
+namespace braxcfg::platform::regfile {
+namespace {
+
+class RegImporter {
+public:
+    explicit RegImporter(StoreBackend& store) : store_(store), current_(store) {}
+    std::optional<RegError> apply(const RegOp& op);
+
+private:
+    static RegError refused(const RegOp& op, const std::string& what, RegResult result) {
+        return RegError{op.line, "the store refused to " + what + ": " + storeResultText(result)};
+    }
+
+    StoreBackend& store_;
+    ScopedKey current_;  // the key of the last [key] line
+};
+
+std::optional<RegError> RegImporter::apply(const RegOp& op) {
+    const std::string& name = op.name;
+    switch (op.kind) {
+        case RegOpKind::CreateKey:
+            if (const RegResult r = store_.createKey(kLocalMachine, op.keyPath.c_str(), kKeyAllAccess,
+                                                     current_.receive(), nullptr);
+                r != kErrorSuccess)
+                return refused(op, "create " + fullKeyPath(op.keyPath), r);
+            return std::nullopt;
+        case RegOpKind::DeleteKey:
+            current_.reset();
+            if (const RegResult r = deleteKeyTree(store_, kLocalMachine, op.keyPath);
+                r != kErrorSuccess && r != kErrorFileNotFound)
+                return refused(op, "delete " + fullKeyPath(op.keyPath), r);
+            return std::nullopt;
+        case RegOpKind::SetValue:
+            // Text values already end in their NUL, so the store adds none;
+            // the byte it may look at past the data is std::string's NUL.
+            if (const RegResult r = store_.setValue(current_.get(), name.c_str(), op.type,
+                                                    reinterpret_cast<const std::uint8_t*>(op.data.data()),
+                                                    static_cast<std::uint32_t>(op.data.size()));
+                r != kErrorSuccess)
+                return refused(op, "set the value \"" + name + "\"", r);
+            return std::nullopt;
+        case RegOpKind::DeleteValue:
+            if (const RegResult r = store_.deleteValue(current_.get(), name.c_str());
+                r != kErrorSuccess && r != kErrorFileNotFound)
+                return refused(op, "delete the value \"" + name + "\"", r);
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<RegError> applyRegOps(StoreBackend& store, const std::vector<RegOp>& ops) {
+    StoreTransaction transaction(store);
+    if (!transaction.active()) return RegError{0, "the store could not start a transaction"};
+    {
+        RegImporter importer(store);
+        for (const RegOp& op : ops)
+            if (auto error = importer.apply(op)) return error;
+    }
+    if (!transaction.commit()) return RegError{0, "the store could not commit the import"};
+    return std::nullopt;
+}
+
+std::optional<RegError> importRegFile(StoreBackend& store, std::string_view bytes) {
+    const RegParseResult parsed = parseRegFile(bytes);
+    if (parsed.error) return parsed.error;
+    return applyRegOps(store, parsed.ops);
+}
+
+}  // namespace braxcfg::platform::regfile

@@ -1,0 +1,97 @@
+// import FILE: merges a .reg file into the store, all or nothing.
+// export [--key PATH] [--utf8] [FILE]: writes the store as .reg text.
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <sstream>
+
+#include "command.h"
+#include "platform/regfile/reg_export.h"
+#include "platform/regfile/reg_import.h"
+#include "platform/store.h"
+
+namespace braxcfg::tool {
+namespace {
+
+using platform::regfile::RegTextEncoding;
+
+bool readWholeFile(const std::string& path, std::string& bytes, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = "cannot read " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    std::ostringstream content;
+    content << in.rdbuf();
+    if (in.bad()) {
+        error = "cannot read " + path;
+        return false;
+    }
+    bytes = std::move(content).str();
+    return true;
+}
+
+bool writeWholeFile(const std::string& path, const std::string& bytes, std::string& error) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (out) out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (out) out.close();
+    if (!out) {
+        error = "cannot write " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+int runImport(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+    if (split.operands.size() != 1) return fail("import needs exactly one FILE");
+    const std::string& path = split.operands[0];
+    std::string bytes;
+    if (!readWholeFile(path, bytes, error)) return fail(error);
+    if (const auto problem = platform::regfile::importRegFile(platform::currentStore(), bytes))
+        return fail(path + ": " + platform::regfile::describe(*problem) + "; nothing was imported");
+    return 0;
+}
+
+int runExport(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    if (!splitArgs(args, {"--utf8"}, {"--key"}, split, error)) return fail(error);
+    if (split.operands.size() > 1) return fail("export takes at most one FILE");
+    const RegTextEncoding encoding = hasOption(split, "--utf8") ? RegTextEncoding::Utf8 : RegTextEncoding::Utf16;
+    const auto result = platform::regfile::exportRegFile(platform::currentStore(), optionValue(split, "--key"), encoding);
+    if (result.error) return fail(*result.error);
+    if (split.operands.empty()) {
+        std::cout.write(result.bytes.data(), static_cast<std::streamsize>(result.bytes.size()));
+        std::cout.flush();
+        return std::cout ? 0 : fail("cannot write to standard output");
+    }
+    if (!writeWholeFile(split.operands[0], result.bytes, error)) return fail(error);
+    return 0;
+}
+
+const CommandRegistration kImport(
+    {"import", "merge a .reg file into the store",
+     "usage: braxcfg import FILE\n"
+     "Merges FILE into the store: keys and values are created or replaced, [-key] deletes a key\n"
+     "with everything below it, \"name\"=- deletes a value. FILE is REGEDIT4 (ANSI) or\n"
+     "Windows Registry Editor Version 5.00 (UTF-16LE with byte order mark, or UTF-8).\n"
+     "Only HKEY_LOCAL_MACHINE is stored. The first malformed line is reported with its\n"
+     "number and nothing is imported.\n",
+     StoreUse::Write, runImport});
+
+const CommandRegistration kExport(
+    {"export", "write the store as a .reg file",
+     "usage: braxcfg export [--key PATH] [--utf8] [FILE]\n"
+     "Writes the store, or the key PATH (a full path such as\n"
+     "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane) with everything below it, as .reg text:\n"
+     "UTF-16LE with byte order mark and CRLF line ends, as Windows writes it, or with\n"
+     "--utf8 UTF-8 without byte order mark and LF line ends. Standard output when no FILE.\n",
+     StoreUse::Read, runExport});
+
+}  // namespace
+}  // namespace braxcfg::tool
