@@ -1,0 +1,74 @@
+// Device entries of an interface ("VISADev") and its run-time
+// identification flag.
+#include "platform/registry.h"
+#include "platform/store.h"
+#include "store/config_store.h"
+
+namespace braxcfg::store {
+namespace {
+
+using platform::kRegOpenExisting;
+using platform::kRegOpenOrCreate;
+using platform::Registry;
+
+void writeResourceEntry(const Registry& device, const std::string& entryName, const Registry& classKey,
+                        const std::string& typeWord) {
+    Registry entry(device.handle(), entryName, kRegOpenOrCreate);
+    entry.setString("Driver", classKey.getString("DrvrName"));
+    entry.setString("Prefix", classKey.getString("PrefixName"));
+    // The run time must not send an identification query down a serial
+    // line on its own: the instrument behind it may not understand one.
+    if (typeWord == "ASRL") entry.setString("AutoIdentify", "0");
+}
+
+}  // namespace
+
+void ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
+                                 const std::string& /*unused*/) const {
+    platform::StoreTransaction transaction;
+    const Registry intfKey(intf, kRegOpenExisting);
+    const Registry devices(intfKey.handle(), "VISADev", kRegOpenExisting);
+    const Registry deviceKey(devices.handle(), device, kRegOpenOrCreate);
+    const std::string typeWord = intfKey.getString("VISAIntfType");
+    const Registry templates("VISAInfo\\DefaultRsrcs", kRegOpenExisting);
+    for (std::uint32_t index = 0;; ++index) {
+        const std::string className = templates.enumKey(index);
+        if (className.empty()) break;
+        const Registry classKey(templates.handle(), className, kRegOpenExisting);
+        if (!classKey.getBool(typeWord)) continue;
+        if (!classFilter.empty() && classFilter != className) continue;
+        writeResourceEntry(deviceKey, device + "::" + className, classKey, typeWord);
+    }
+    transaction.commit();
+}
+
+void ConfigStore::ClearDevices(const std::string& intf) const {
+    platform::StoreTransaction transaction;
+    const Registry intfKey(intf, kRegOpenExisting);
+    intfKey.deleteTree("VISADev");
+    const Registry devices(intfKey.handle(), "VISADev", kRegOpenOrCreate);
+    transaction.commit();
+}
+
+std::string ConfigStore::GetDeviceName(const std::string& intf, std::uint32_t index) const {
+    return Registry(intf + "\\VISADev", kRegOpenExisting).enumKey(index);
+}
+
+std::string ConfigStore::GetDeviceRsrcName(const std::string& intf, const std::string& device,
+                                           std::uint32_t index) const {
+    return Registry(intf + "\\VISADev\\" + device, kRegOpenExisting).enumKey(index);
+}
+
+int ConfigStore::IsAutoConfig(const std::string& intf) const {
+    const Registry intfKey(intf, kRegOpenExisting);
+    // An interface never given the flag is identified at run time, and is
+    // stored so from now on.
+    if (!intfKey.valueExists("VISAAutoConfig")) SetAutoConfig(intf, 1);
+    return intfKey.getBool("VISAAutoConfig");
+}
+
+void ConfigStore::SetAutoConfig(const std::string& intf, int flag) const {
+    Registry(intf, kRegOpenExisting).setBool("VISAAutoConfig", flag != 0);
+}
+
+}  // namespace braxcfg::store

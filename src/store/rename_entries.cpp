@@ -1,0 +1,169 @@
+// Bringing the entry names of an interface in line with its current VISA
+// name at the end of a configuration pass: when an interface's board
+// number changes (GPIB1 becomes GPIB0), its "VISADev" and "VISAIntfRsrc"
+// entries still carry the old prefix and the run time would not find them.
+#include <vector>
+
+#include "platform/registry.h"
+#include "platform/store.h"
+#include "store/config_store.h"
+
+namespace braxcfg::store {
+namespace {
+
+using platform::kRegOpenExisting;
+using platform::kRegOpenOrCreate;
+using platform::Registry;
+
+// Subkey names of this length or more end an enumeration early (the
+// wrapper's name buffer), so later names are not seen.
+constexpr std::size_t kEnumNameLimit = 80;
+
+char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+std::size_t prefixEnd(const std::string& entry) {
+    const std::size_t colon = entry.find(':');
+    return colon == std::string::npos ? entry.size() : colon;
+}
+
+// In line: the part before the first ":" is the VISA name, case ignored.
+bool isInLine(const std::string& entry, const std::string& visaName) {
+    const std::size_t end = prefixEnd(entry);
+    if (end != visaName.size()) return false;
+    for (std::size_t i = 0; i < end; ++i)
+        if (asciiUpper(entry[i]) != asciiUpper(visaName[i])) return false;
+    return true;
+}
+
+std::string inLineName(const std::string& entry, const std::string& visaName) {
+    return visaName + entry.substr(prefixEnd(entry));
+}
+
+// The subkeys of `key` as one enumeration from index 0 sees them.
+std::vector<std::string> visibleSubkeys(const Registry& key) {
+    std::vector<std::string> names;
+    for (std::string name = key.enumKey(0); !name.empty(); name = key.enumKey(static_cast<std::uint32_t>(names.size())))
+        names.push_back(std::move(name));
+    return names;
+}
+
+// Calls fn(name, type) for every value of `key`, the default value and
+// long names included.
+template <typename Fn>
+void forEachValue(const Registry& key, Fn fn) {
+    if (!key.isOpen()) return;
+    platform::StoreBackend& store = platform::currentStore();
+    std::vector<char> name(platform::kMaxValueNameLength + 1);
+    for (std::uint32_t index = 0;; ++index) {
+        std::uint32_t cch = static_cast<std::uint32_t>(name.size());
+        platform::RegType type = platform::kRegNone;
+        if (store.enumValue(key.handle(), index, name.data(), &cch, &type, nullptr, nullptr) !=
+            platform::kErrorSuccess)
+            return;
+        fn(std::string(name.data(), cch), type);
+    }
+}
+
+// A renamed entry keeps its strings, flags and numbers; values of other
+// types are not the run time's and are left behind.
+void copyValuesByType(const Registry& from, const Registry& to) {
+    forEachValue(from, [&](const std::string& name, platform::RegType type) {
+        if (type == platform::kRegSz) {
+            to.setString(name, from.getString(name));
+        } else if (type == platform::kRegBinary) {
+            to.setBool(name, from.getBool(name) != 0);
+        } else if (type == platform::kRegDword) {
+            std::uint32_t number = 0;
+            from.getDword(name, &number);
+            to.setDword(name, number);
+        }
+    });
+}
+
+// Copies `from` with everything below it into `to`, byte for byte.
+void copyTreeUnchanged(const Registry& from, const Registry& to) {
+    forEachValue(from, [&](const std::string& name, platform::RegType) {
+        platform::RegType type = platform::kRegNone;
+        std::string bytes;
+        if (!from.getRaw(name, type, bytes) || !to.isOpen()) return;
+        platform::currentStore().setValue(to.handle(), name.c_str(), type,
+                                          reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                          static_cast<std::uint32_t>(bytes.size()));
+    });
+    for (const std::string& child : visibleSubkeys(from))
+        copyTreeUnchanged(Registry(from.handle(), child, kRegOpenExisting),
+                          Registry(to.handle(), child, kRegOpenOrCreate));
+}
+
+// Renames the entries of one list, and of the entries below a renamed one.
+//
+// The result is that of renaming the first stale entry an enumeration from
+// index 0 finds, again and again until none is found: stale entries are
+// taken in the store's order, and a rename onto an existing entry writes
+// over its values. Renaming never reorders the names still to be visited,
+// so one enumeration serves the whole list; only a new name that an
+// enumeration would see differently (itself stale, or so long that it ends
+// the enumeration) makes the list be read again.
+class ListRepair {
+public:
+    explicit ListRepair(std::string visaName) : visaName_(std::move(visaName)) {}
+
+    // Renames the stale subkeys of `source` into `destination` (the same
+    // key for a list itself). Stops at the first entry that cannot be
+    // deleted, so an undeletable entry cannot make it go round for ever.
+    // True when something was renamed.
+    bool run(const Registry& source, const Registry& destination, bool inPlace) const {
+        std::vector<std::string> names = visibleSubkeys(source);
+        if (!inPlace) keepInLineEntries(source, destination, names);
+        bool renamedAny = false;
+        for (std::size_t next = 0; next < names.size();) {
+            const std::string entry = names[next++];
+            if (isInLine(entry, visaName_)) continue;
+            const std::string newName = inLineName(entry, visaName_);
+            {
+                const Registry from(source.handle(), entry, kRegOpenExisting);
+                const Registry to(destination.handle(), newName, kRegOpenOrCreate);
+                copyValuesByType(from, to);
+                run(from, to, false);
+            }
+            if (source.deleteTree(entry) != platform::kErrorSuccess) return renamedAny;
+            renamedAny = true;
+            if (inPlace && (newName.size() >= kEnumNameLimit || !isInLine(newName, visaName_))) {
+                names = visibleSubkeys(source);
+                next = 0;
+            }
+        }
+        return renamedAny;
+    }
+
+private:
+    // Entries below a renamed one that are already in line are not renamed,
+    // but they would go with the old entry: they move over as they are.
+    // They go first, so that a stale sibling renamed onto the same name
+    // writes over them as it would over an entry of the list itself.
+    void keepInLineEntries(const Registry& source, const Registry& destination,
+                           const std::vector<std::string>& names) const {
+        for (const std::string& entry : names) {
+            if (!isInLine(entry, visaName_)) continue;
+            copyTreeUnchanged(Registry(source.handle(), entry, kRegOpenExisting),
+                              Registry(destination.handle(), entry, kRegOpenOrCreate));
+        }
+    }
+
+    std::string visaName_;
+};
+
+}  // namespace
+
+void ConfigStore::RenameIntfEntries(const std::string& intf) const {
+    platform::StoreTransaction transaction;
+    if (!IsValidVisaIntf(intf)) return;
+    const ListRepair repair(GetVisaName(intf));
+    for (const char* list : {"\\VISADev", "\\VISAIntfRsrc"}) {
+        const Registry key(intf + list, kRegOpenExisting);
+        repair.run(key, key, true);
+    }
+    transaction.commit();
+}
+
+}  // namespace braxcfg::store
