@@ -468,37 +468,55 @@ RegResult SqliteBackend::enumValue(HKey key, std::uint32_t index, char* name, st
     return kErrorSuccess;
 }
 
+std::int64_t SqliteBackend::highestKeyId() {
+    return db_->queryInt("SELECT IFNULL(MAX(seq), 0) FROM sqlite_sequence WHERE name = 'keys'", 0);
+}
+
+void SqliteBackend::forgetKeysAfter(std::int64_t id) {
+    // Id 0 is never a key, so such a handle answers kErrorKeyDeleted.
+    for (auto& [handle, open] : handles_)
+        if (open.id > id) open.id = 0;
+}
+
 RegResult SqliteBackend::beginTransaction() {
     std::lock_guard lock(mutex_);
     if (transactionLost()) return kErrorCantWrite;
     const char* begin = depth_ > 0 ? "SAVEPOINT nest" : writable_ ? "BEGIN IMMEDIATE" : "BEGIN";
     if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
     ++depth_;
+    scopeStartIds_.push_back(highestKeyId());
     return kErrorSuccess;
 }
 
 RegResult SqliteBackend::commitTransaction() {
     std::lock_guard lock(mutex_);
     if (depth_ == 0) return kErrorInvalidParameter;
-    if (transactionLost()) {
-        --depth_;
+    const std::int64_t startId = scopeStartIds_.back();
+    scopeStartIds_.pop_back();
+    const bool lost = transactionLost();
+    --depth_;
+    if (lost) {
+        forgetKeysAfter(startId);
         return kErrorCantWrite;
     }
-    --depth_;
     if (depth_ > 0) return run("RELEASE nest") ? kErrorSuccess : kErrorCantWrite;
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
     ++localStamp_;
+    forgetKeysAfter(startId);
     return failure;
 }
 
 void SqliteBackend::rollbackTransaction() {
     std::lock_guard lock(mutex_);
     if (depth_ == 0) return;
+    const std::int64_t startId = scopeStartIds_.back();
+    scopeStartIds_.pop_back();
     const bool lost = transactionLost();
     --depth_;
     ++localStamp_;
+    forgetKeysAfter(startId);
     if (lost) return;
     if (depth_ == 0) {
         run("ROLLBACK");

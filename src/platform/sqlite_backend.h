@@ -78,11 +78,16 @@ private:
     // A statement failed in a way that ended a held transaction behind our
     // back; nothing more may run until the scope is closed.
     bool transactionLost() const;
+    // Rolling back gives the ids of keys created since the scope began to
+    // later keys; handles on those keys must not reach them.
+    std::int64_t highestKeyId();
+    void forgetKeysAfter(std::int64_t id);
 
     std::recursive_mutex mutex_;
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
+    std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
     std::uint64_t localStamp_ = 1; // bumped on every change made or undone here
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine

@@ -1,0 +1,127 @@
+// Transaction scopes: commit, rollback, nesting, what other connections see
+// meanwhile, and handles on keys a rollback undid.
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "platform/debug_output.h"
+#include "platform/sqlite_store_file.h"
+#include "platform/store.h"
+#include "store_test_access.h"
+#include "temp_store.h"
+
+namespace braxcfg::platform {
+namespace {
+
+using test::createKey;
+using test::KeyHandle;
+using test::setString;
+using test::valueBytes;
+
+bool keyExists(StoreBackend& store, const char* path) {
+    HKey key = kNoKey;
+    const bool found = store.openKey(kLocalMachine, path, kKeyQueryValue, &key) == kErrorSuccess;
+    store.closeKey(key);
+    return found;
+}
+
+TEST(StoreTransactionScope, OnlyTheOutermostCommitReachesTheFile) {
+    struct NestCase {
+        const char* label;
+        bool commitInner;
+        bool commitOuter;
+        bool outerKept;
+        bool innerKept;
+    };
+    const NestCase cases[] = {
+        {"both commit", true, true, true, true},
+        {"inner rolls back", false, true, true, false},
+        {"outer rolls back", true, false, false, false},
+        {"neither commits", false, false, false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        test::TempStore temp;
+        StoreBackend& store = currentStore();
+        {
+            StoreTransaction outer;
+            ASSERT_TRUE(outer.active());
+            KeyHandle before(store, createKey(store, "Outer"));
+            {
+                StoreTransaction inner;
+                ASSERT_TRUE(inner.active());
+                KeyHandle nested(store, createKey(store, "Inner"));
+                ASSERT_EQ(setString(store, nested, "v", "x"), kErrorSuccess);
+                if (c.commitInner) {
+                    EXPECT_TRUE(inner.commit());
+                }
+            }
+            EXPECT_TRUE(keyExists(store, "Outer"));
+            EXPECT_EQ(keyExists(store, "Inner"), c.commitInner);
+            if (c.commitOuter) {
+                EXPECT_TRUE(outer.commit());
+            }
+        }
+        temp.reopen();
+        EXPECT_EQ(keyExists(currentStore(), "Outer"), c.outerKept);
+        EXPECT_EQ(keyExists(currentStore(), "Inner"), c.innerKept);
+    }
+}
+
+TEST(StoreTransactionScope, OtherConnectionsWaitBoundedAndSayWhy) {
+    test::TempStore temp;
+    StoreBackend& store = currentStore();
+    SqliteStoreOpening opening = openSqliteStore(temp.path());
+    ASSERT_TRUE(opening.backend) << opening.status.error;
+    StoreBackend& other = *opening.backend;
+
+    StoreTransaction held;
+    ASSERT_TRUE(held.active());
+    KeyHandle key(store, createKey(store, "Pending"));
+    EXPECT_FALSE(keyExists(other, "Pending")) << "uncommitted work is invisible to others";
+
+    DebugCapture debug;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(setString(other, kLocalMachine, "blocked", "x"), kErrorCantWrite);
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::seconds(4));
+    EXPECT_LT(waited, std::chrono::seconds(15));
+    EXPECT_NE(debug.text().find("Configuration store: "), std::string::npos) << "the failure is reported";
+
+    ASSERT_TRUE(held.commit());
+    EXPECT_TRUE(keyExists(other, "Pending"));
+    EXPECT_EQ(setString(other, kLocalMachine, "free", "x"), kErrorSuccess);
+}
+
+TEST(StoreTransactionScope, HandlesOnRolledBackKeysStayDead) {
+    test::TempStore temp;
+    StoreBackend& store = currentStore();
+    HKey undone = kNoKey;
+    {
+        StoreTransaction scope;
+        undone = createKey(store, "Undone");
+        ASSERT_NE(undone, kNoKey);
+    }
+    // The rolled-back key's id is free again; the next key may get it.
+    KeyHandle next(store, createKey(store, "Next"));
+    ASSERT_EQ(setString(store, next, "v", "next"), kErrorSuccess);
+    EXPECT_EQ(setString(store, undone, "v", "wrong key"), kErrorKeyDeleted);
+    EXPECT_EQ(valueBytes(store, next, "v"), std::string("next", 5));
+    store.closeKey(undone);
+}
+
+TEST(StoreTransactionScope, UnbalancedCallsAndUnopenedStoresFailCleanly) {
+    test::TempStore temp;
+    StoreBackend& store = currentStore();
+    EXPECT_EQ(store.commitTransaction(), kErrorInvalidParameter);
+    store.rollbackTransaction();
+    EXPECT_EQ(setString(store, kLocalMachine, "after", "x"), kErrorSuccess);
+
+    closeStore();
+    StoreTransaction scope;
+    EXPECT_FALSE(scope.active());
+    EXPECT_FALSE(scope.commit());
+}
+
+}  // namespace
+}  // namespace braxcfg::platform
