@@ -4,13 +4,19 @@
 // request (and may answer it) instead of showing anything.
 #include <functional>
 #include <string>
+#include <vector>
+
+#include "ui/dialog_ids.h"
 
 class QWidget;
 
 namespace braxcfg::ui {
 
 // The icon numbers are the platform's message-box style bits.
-enum class MessageIcon : unsigned { None = 0x00, Stop = 0x10, Question = 0x20, Information = 0x40 };
+enum class MessageIcon : unsigned { None = 0x00, Stop = 0x10, Question = 0x20, Exclamation = 0x30, Information = 0x40 };
+
+// The caption a box gets when its caller passes none: the plug-in's name.
+inline constexpr const char* kDefaultCaption = "braxcfg";
 
 struct MessageBoxRequest {
     QWidget* owner = nullptr;
@@ -19,14 +25,34 @@ struct MessageBoxRequest {
     MessageIcon icon = MessageIcon::None;
 };
 
-inline constexpr int kIdOk = 1;
-inline constexpr int kIdCancel = 2;
-
-// Shows the box modally and returns the button pressed (kIdOk).
+// Shows the box modally and returns the button pressed (kIdOk). Without a
+// QApplication (a headless host) the text goes to the debug output instead
+// and the answer is kIdOk.
 int messageBox(QWidget* owner, const std::string& text, const std::string& caption, MessageIcon icon);
 
 // Replaces the production box (tests); an empty handler restores it.
+// Returns the handler that was installed before.
 using MessageBoxHandler = std::function<int(const MessageBoxRequest&)>;
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
+
+// Records every message box asked for while it lives, and answers each
+// with `answer` (kIdOk unless told otherwise) without showing anything.
+class MessageBoxCapture {
+public:
+    MessageBoxCapture();
+    explicit MessageBoxCapture(MessageBoxHandler answer);
+    ~MessageBoxCapture();
+    MessageBoxCapture(const MessageBoxCapture&) = delete;
+    MessageBoxCapture& operator=(const MessageBoxCapture&) = delete;
+
+    const std::vector<MessageBoxRequest>& requests() const { return requests_; }
+    // Just the texts, in the order the boxes were asked for.
+    std::vector<std::string> texts() const;
+
+private:
+    std::vector<MessageBoxRequest> requests_;
+    MessageBoxHandler answer_;
+    MessageBoxHandler previous_;
+};
 
 }  // namespace braxcfg::ui
