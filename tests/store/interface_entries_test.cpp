@@ -31,7 +31,7 @@ TEST(GetMaxIntfNum, CountsOnlyUpperCaseInterfaceKeys) {
         {{}, 0},
         {{"INTF12abc", "VISAInfo"}, 12},
         {{"INTF-5", "INTF1"}, 1},
-        {{"Intf9", "INTF 4"}, 0},
+        {{"Intf9", "INTF 4"}, 4},  // the number is read as atoi does: leading blanks skipped
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.keys));
