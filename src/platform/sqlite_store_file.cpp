@@ -163,6 +163,9 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
     sqlite3_file_control(db.handle(), nullptr, SQLITE_FCNTL_PERSIST_WAL, &persist);
     db.exec("PRAGMA journal_mode = WAL");
     db.exec("PRAGMA synchronous = NORMAL");
+    // Busy writers in several processes can keep the log from restarting
+    // for a while; once it does, give the disk space back.
+    db.exec("PRAGMA journal_size_limit = 4194304");
     std::string error;
     if (inspectSchema(db) == SchemaState::Empty && !createSchema(db, &error))
         return Failure{StoreOpenState::Unreadable, "cannot set up the store: " + error};
@@ -174,7 +177,8 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
 SqliteStoreOpening openSqliteStore(const std::string& path) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) {
-        if (errno != ENOENT) return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
+        if (errno != ENOENT && errno != ENOTDIR)
+            return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
         std::string error;
         if (!createEmptyStoreFile(path, &error)) return failed(path, StoreOpenState::Missing, error);
         if (::stat(path.c_str(), &info) != 0)
