@@ -1,6 +1,7 @@
 #include "entry/braxcfg_app.h"
 
 #include "platform/product_settings.h"
+#include "store/interface_setup.h"
 
 namespace braxcfg::entry {
 
@@ -25,10 +26,17 @@ int CBraxcfgApp::IsVisaIntfEditable(const std::string& intf) const {
 
 void CBraxcfgApp::DoVisaStartStuff(const std::string&) {}
 
-void CBraxcfgApp::SetupVisaIntf(HostWindow, const std::string&) {}
+// Set-up shows nothing, so the host's window is not needed.
+void CBraxcfgApp::SetupVisaIntf(HostWindow, const std::string& intf) { store::setupVisaIntf(*this, intf); }
 
-void CBraxcfgApp::EditVisaIntf(HostWindow, const std::string&) {}
+void CBraxcfgApp::ConfigureAtRunTime(HostWindow, const std::string& intf) {
+    store::configureAtRunTime(*this, intf);
+}
 
-void CBraxcfgApp::DoVisaEndStuff(HostWindow) {}
+// The device list dialogs arrive with their own work; until then editing
+// only brings the VISA information block up to date.
+void CBraxcfgApp::EditVisaIntf(HostWindow, const std::string&) { WriteVisaInfoDefaults(); }
+
+void CBraxcfgApp::DoVisaEndStuff(HostWindow) { store::doVisaEndStuff(*this); }
 
 }  // namespace braxcfg::entry

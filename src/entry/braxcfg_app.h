@@ -25,6 +25,8 @@ public:
     void DoVisaStartStuff(const std::string& intf);
     void SetupVisaIntf(HostWindow parent, const std::string& intf);
     void EditVisaIntf(HostWindow parent, const std::string& intf);
+    // Choice "identify devices at run time": set up with "VISAAutoConfig" 1.
+    void ConfigureAtRunTime(HostWindow parent, const std::string& intf);
     void DoVisaEndStuff(HostWindow parent);
 };
 
