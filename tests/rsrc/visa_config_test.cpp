@@ -1,0 +1,119 @@
+// The VISA configuration behind IoParms::getKorlIntfName and
+// isExportEnabled: store-backed and INI-backed, chosen by a product setting.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "platform/reg_types.h"
+#include "rsrc/io_parms.h"
+#include "rsrc_test_support.h"
+#include "visacore/config/reg_visa_config.h"
+#include "visacore/config/use_registry.h"
+
+namespace braxcfg::rsrc {
+namespace {
+
+using test::putDword;
+using test::putString;
+using test::underProduct;
+
+struct IntfAnswer {
+    const char* input;
+    const char* korlName;
+    bool exported;
+};
+
+void expectAnswers(const std::vector<IntfAnswer>& answers) {
+    for (const IntfAnswer& a : answers) {
+        SCOPED_TRACE(a.input);
+        std::vector<char> buffer = test::writable(a.input);
+        IoParms parms;
+        parms.parse(buffer.data(), false);
+        char name[visa::kConfigTextChars] = "stale";
+        EXPECT_EQ(parms.getKorlIntfName(name, 1), name);  // the size is not what bounds it
+        EXPECT_STREQ(name, a.korlName);
+        EXPECT_EQ(parms.isExportEnabled(), a.exported);
+    }
+}
+
+void putKorlInterface(const std::string& key, const std::string& visaName, const char* korlName,
+                      std::uint32_t exportFlag) {
+    test::putInterface(key, visaName, "");
+    putString(underProduct(key), "VISAKorlIntfName", korlName);
+    putDword(underProduct(key), "VISAExportEnabled", exportFlag);
+}
+
+TEST(VisaConfig, StoreBackedAnswersComeFromTheKeyWithThatVisaName) {
+    const test::TempStore store;
+    test::putInterface("INTF0", "GPIB0", "GPIB");
+    putKorlInterface("INTF2", "PXI0", "PXIK", 1);
+    putKorlInterface("INTF3", "TCPIP0", "LAN0", 1);
+    putKorlInterface("INTF5", "GPIB1", "G1", 0x10000);  // only the low 16 bits count
+    putKorlInterface("INTF6", "tcpip1", "lower", 1);
+    putKorlInterface("INTF7", "TCPIP0", "second", 0);  // the first key of a name wins
+    expectAnswers({{"TCPIP0::host::INSTR", "LAN0", true},
+                   {"GPIB1::5::INSTR", "G1", false},
+                   {"GPIB0::1::INSTR", "", false},
+                   {"ASRL9::INSTR", "", false},
+                   {"TCPIP1::host::INSTR", "", false},
+                   {"PXI3::5::INSTR", "PXIK", true}});  // legacy PXI naming: interface PXI0
+}
+
+TEST(VisaConfig, HighestInterfaceNumberCountsExactPrefixOnly) {
+    const test::TempStore store;
+    for (const char* key : {"INTF0", "INTF7", "INTF10", "INTFX", "INTF", "intf30", "INTF2abc"})
+        test::putKey(underProduct(key));
+    EXPECT_EQ(visa::RegVISAConfig().getMaxIntfNum(), 10);
+}
+
+TEST(VisaConfig, UseRegistryUnlessTheSettingSaysZero) {
+    const struct {
+        const char* label;
+        platform::RegType type;  // kRegNone: absent
+        std::string bytes;
+        visa::ViUInt16 expected;
+    } cases[] = {
+        {"absent", platform::kRegNone, "", 1},
+        {"dword 0", platform::kRegDword, std::string("\0\0\0\0", 4), 0},
+        {"text False", platform::kRegSz, std::string("False", 6), 0},
+        {"dword 0x10000", platform::kRegDword, std::string("\0\0\1\0", 4), 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        const test::TempStore store;
+        if (c.type != platform::kRegNone) test::putBytes(underProduct(), "UseRegistryVisaConfig", c.type, c.bytes);
+        EXPECT_EQ(visa::useRegistry(), c.expected);
+    }
+}
+
+TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
+    const test::TempStore store;
+    const std::string baseDir = test::testOutputDir("visacfg-ini");
+    std::ofstream(baseDir + "/visacfg.ini") << "[TCPIP0]\n"
+                                               "VISAKorlIntfName = IniLan0\n"
+                                               "VISAExportEnabled=1\n"
+                                               "[gpib1]\n"
+                                               "VISAKorlIntfName=\"Quoted G1\"\n"
+                                               "VISAExportEnabled=65536\n";
+    putKorlInterface("INTF0", "TCPIP0", "LAN0", 0);  // not read while the INI file is used
+    putDword(underProduct(), "UseRegistryVisaConfig", 0);
+    putString(underProduct(), "BaseDir", baseDir);
+    store.reopen();  // "BaseDir" is read once per store
+    expectAnswers({{"TCPIP0::host::INSTR", "IniLan0", true},
+                   {"GPIB1::5::INSTR", "Quoted G1", false},
+                   {"ASRL9::INSTR", "", false}});
+
+    putString(underProduct(), "BaseDir", baseDir + "/missing");
+    store.reopen();
+    expectAnswers({{"TCPIP0::host::INSTR", "", false}});
+}
+
+TEST(VisaConfig, NullBufferIsReturnedAsIs) {
+    const test::TempStore store;
+    IoParms parms;
+    EXPECT_EQ(parms.getKorlIntfName(nullptr, 256), nullptr);
+}
+
+}  // namespace
+}  // namespace braxcfg::rsrc
