@@ -2,6 +2,8 @@
 // name at the end of a configuration pass: when an interface's board
 // number changes (GPIB1 becomes GPIB0), its "VISADev" and "VISAIntfRsrc"
 // entries still carry the old prefix and the run time would not find them.
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/registry.h"
@@ -97,25 +99,49 @@ void copyTreeUnchanged(const Registry& from, const Registry& to) {
 
 // Renames the entries of one list, and of the entries below a renamed one.
 //
-// The result is that of renaming the first stale entry an enumeration from
-// index 0 finds, again and again until none is found: stale entries are
-// taken in the store's order, and a rename onto an existing entry writes
-// over its values. Renaming never reorders the names still to be visited,
-// so one enumeration serves the whole list; only a new name that an
-// enumeration would see differently (itself stale, or so long that it ends
-// the enumeration) makes the list be read again.
+// The result is that of the plain procedure: a pass renames the first stale
+// entry an enumeration from index 0 finds, again and again until none is
+// found or one cannot be deleted; passes are repeated over the list's
+// indexes, from index 0 again after a pass that renamed something. Stale
+// entries are thus taken in the store's order, and a rename onto an existing
+// entry writes over its values.
+//
+// Renaming never reorders the names still to be visited, so one enumeration
+// serves a whole pass; only a new name that an enumeration would see
+// differently (itself stale, or so long that it ends the enumeration) makes
+// the list be read again. A pass that renamed nothing and stopped where the
+// one before it stopped changes nothing, nor would any pass after it.
 class ListRepair {
 public:
     explicit ListRepair(std::string visaName) : visaName_(std::move(visaName)) {}
 
-    // Renames the stale subkeys of `source` into `destination` (the same
-    // key for a list itself). Stops at the first entry that cannot be
-    // deleted, so an undeletable entry cannot make it go round for ever.
-    // True when something was renamed.
-    bool run(const Registry& source, const Registry& destination, bool inPlace) const {
+    void repairList(const Registry& list) const {
+        std::optional<std::string> lastStop;
+        for (std::size_t index = 0; index < visibleSubkeys(list).size();) {
+            const PassResult pass = repair(list, list, true);
+            if (pass.renamed) {
+                index = 0;
+                lastStop.reset();
+                continue;
+            }
+            if (!pass.stoppedAt || pass.stoppedAt == lastStop) return;
+            lastStop = pass.stoppedAt;
+            ++index;
+        }
+    }
+
+private:
+    struct PassResult {
+        bool renamed = false;
+        std::optional<std::string> stoppedAt;  // the entry that could not be deleted
+    };
+
+    // One pass renaming the stale subkeys of `source` into `destination`
+    // (the same key for a list itself). An entry that cannot be deleted ends
+    // it, so that such an entry cannot make it go round for ever.
+    PassResult repair(const Registry& source, const Registry& destination, bool inPlace) const {
         std::vector<std::string> names = visibleSubkeys(source);
-        if (!inPlace) keepInLineEntries(source, destination, names);
-        bool renamedAny = false;
+        PassResult result;
         for (std::size_t next = 0; next < names.size();) {
             const std::string entry = names[next++];
             if (isInLine(entry, visaName_)) continue;
@@ -124,23 +150,26 @@ public:
                 const Registry from(source.handle(), entry, kRegOpenExisting);
                 const Registry to(destination.handle(), newName, kRegOpenOrCreate);
                 copyValuesByType(from, to);
-                run(from, to, false);
+                repair(from, to, false);
             }
-            if (source.deleteTree(entry) != platform::kErrorSuccess) return renamedAny;
-            renamedAny = true;
+            if (source.deleteTree(entry) != platform::kErrorSuccess) {
+                result.stoppedAt = entry;
+                return result;
+            }
+            result.renamed = true;
             if (inPlace && (newName.size() >= kEnumNameLimit || !isInLine(newName, visaName_))) {
                 names = visibleSubkeys(source);
                 next = 0;
             }
         }
-        return renamedAny;
+        if (!inPlace) keepInLineEntries(source, destination, names);
+        return result;
     }
 
-private:
     // Entries below a renamed one that are already in line are not renamed,
     // but they would go with the old entry: they move over as they are.
-    // They go first, so that a stale sibling renamed onto the same name
-    // writes over them as it would over an entry of the list itself.
+    // They go last, over a stale sibling renamed onto the same name, so
+    // that trying a stopped repair again changes nothing.
     void keepInLineEntries(const Registry& source, const Registry& destination,
                            const std::vector<std::string>& names) const {
         for (const std::string& entry : names) {
@@ -161,7 +190,7 @@ void ConfigStore::RenameIntfEntries(const std::string& intf) const {
     const ListRepair repair(GetVisaName(intf));
     for (const char* list : {"\\VISADev", "\\VISAIntfRsrc"}) {
         const Registry key(intf + list, kRegOpenExisting);
-        repair.run(key, key, true);
+        repair.repairList(key);
     }
     transaction.commit();
 }
