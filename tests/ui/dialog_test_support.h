@@ -16,11 +16,18 @@
 
 namespace braxcfg::test {
 
-// The button whose text (with its "&" mnemonic) is `text`, or null.
-inline QAbstractButton* buttonLabelled(QWidget& dialog, const std::string& text) {
+// The buttons whose text (with its "&" mnemonic) is `text`, in the order
+// the template creates them.
+inline std::vector<QAbstractButton*> buttonsLabelled(QWidget& dialog, const std::string& text) {
+    std::vector<QAbstractButton*> found;
     for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
-        if (ui::toStdString(button->text()) == text) return button;
-    return nullptr;
+        if (ui::toStdString(button->text()) == text) found.push_back(button);
+    return found;
+}
+
+inline QAbstractButton* buttonLabelled(QWidget& dialog, const std::string& text) {
+    const auto found = buttonsLabelled(dialog, text);
+    return found.empty() ? nullptr : found.front();
 }
 
 // Clicks the button as the user would; a missing or disabled one fails
