@@ -59,6 +59,8 @@ public:
     ReadScope(const ReadScope&) = delete;
     ReadScope& operator=(const ReadScope&) = delete;
     RegResult status() const { return ok_ ? kErrorSuccess : kErrorBadDatabase; }
+    // Reading needs no commit; the snapshot ends with the scope.
+    RegResult commit() const { return kErrorSuccess; }
 
 private:
     SqliteBackend& backend_;
@@ -129,6 +131,17 @@ SqliteBackend::~SqliteBackend() {
     while (depth_ > 0) rollbackTransaction();
 }
 
+template <typename Scope, typename Work>
+RegResult SqliteBackend::onKey(HKey key, Work&& work) {
+    std::lock_guard lock(mutex_);
+    Scope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    std::int64_t id = 0;
+    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+    if (const RegResult rc = work(id); rc != kErrorSuccess) return rc;
+    return scope.commit();
+}
+
 bool SqliteBackend::run(const char* sql) {
     StatementUse stmt(db_->cached(sql));
     return stmt.valid() && stmt->step() == SQLITE_DONE;
@@ -138,14 +151,14 @@ bool SqliteBackend::transactionLost() const {
     return depth_ > 0 && sqlite3_get_autocommit(db_->handle()) != 0;
 }
 
-RegResult SqliteBackend::sqlFailure(int rc, bool writing) {
+RegResult SqliteBackend::sqlFailure(int rc, bool whileWriting) {
     debugOutput("Configuration store: " + db_->lastError() + "\n");
     switch (rc & 0xFF) {
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
             return kErrorBadDatabase;
         default:
-            return writing ? kErrorCantWrite : kErrorBadDatabase;
+            return whileWriting ? kErrorCantWrite : kErrorBadDatabase;
     }
 }
 
@@ -298,27 +311,24 @@ RegResult SqliteBackend::readValueAt(std::int64_t keyId, std::uint32_t index, St
 RegResult SqliteBackend::queryValue(HKey key, const char* name, RegType* type, std::uint8_t* data,
                                     std::uint32_t* cbData) {
     if ((data && !cbData) || valueNameTooLong(name)) return kErrorInvalidParameter;
-    std::lock_guard lock(mutex_);
-    ReadScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    std::int64_t id = 0;
-    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
-    StoredValue value;
-    if (const RegResult rc = readValue(id, name, &value); rc != kErrorSuccess) {
-        if (rc == kErrorFileNotFound && !data && cbData) *cbData = 0;
-        return rc;
-    }
-    if (type) *type = value.type;
-    const auto size = static_cast<std::uint32_t>(value.data.size());
-    if (data) {
-        if (size > *cbData) {
-            *cbData = size;
-            return kErrorMoreData;
+    return onKey<ReadScope>(key, [&](std::int64_t id) {
+        StoredValue value;
+        if (const RegResult rc = readValue(id, name, &value); rc != kErrorSuccess) {
+            if (rc == kErrorFileNotFound && !data && cbData) *cbData = 0;
+            return rc;
         }
-        copyData(value.data, value.type, data, *cbData);
-    }
-    if (cbData) *cbData = size;
-    return kErrorSuccess;
+        if (type) *type = value.type;
+        const auto size = static_cast<std::uint32_t>(value.data.size());
+        if (data) {
+            if (size > *cbData) {
+                *cbData = size;
+                return kErrorMoreData;
+            }
+            copyData(value.data, value.type, data, *cbData);
+        }
+        if (cbData) *cbData = size;
+        return kErrorSuccess;
+    });
 }
 
 RegResult SqliteBackend::setValue(HKey key, const char* name, RegType type, const std::uint8_t* data,
@@ -330,68 +340,59 @@ RegResult SqliteBackend::setValue(HKey key, const char* name, RegType type, cons
     // anyway when the byte after the data is the terminator.
     if (data && isStringType(type) && cbData > 0 && data[cbData - 1] != 0 && data[cbData] == 0) ++size;
     const std::string bytes = size ? std::string(reinterpret_cast<const char*>(data), size) : std::string();
+    return onKey<WriteScope>(key, [&](std::int64_t id) { return storeValue(id, name, type, bytes); });
+}
 
-    std::lock_guard lock(mutex_);
-    WriteScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    std::int64_t id = 0;
-    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
+RegResult SqliteBackend::storeValue(std::int64_t keyId, const char* name, RegType type, const std::string& bytes) {
     StoredValue existing;
-    RegResult rc = readValue(id, name, &existing);
-    if (rc == kErrorSuccess) {
-        // Rewriting identical data changes nothing, so other processes are
-        // not told the store changed.
+    const RegResult found = readValue(keyId, name, &existing);
+    if (found == kErrorSuccess) {
+        // Rewriting identical data changes nothing.
         if (existing.type == type && existing.data == bytes) return kErrorSuccess;
         // An existing value keeps its place in the enumeration and its name.
         StatementUse stmt(db_->cached("UPDATE key_values SET type = ?, data = ? WHERE key_id = ? AND folded = ?"));
         if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
         const int step =
-            stmt->bind(1, type).bindBlob(2, bytes).bind(3, id).bindBlob(4, foldName(valueName(name))).step();
-        if (step != SQLITE_DONE) return sqlFailure(step, true);
-    } else if (rc == kErrorFileNotFound) {
-        // A new value goes after every value the key has.
-        StatementUse stmt(db_->cached(
-            "INSERT INTO key_values (key_id, seq, name, folded, type, data) "
-            "VALUES (?1, (SELECT IFNULL(MAX(seq), 0) + 1 FROM key_values WHERE key_id = ?1), ?2, ?3, ?4, ?5)"));
-        if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
-        const int step = stmt->bind(1, id)
-                             .bindBlob(2, valueName(name))
-                             .bindBlob(3, foldName(valueName(name)))
-                             .bind(4, type)
-                             .bindBlob(5, bytes)
-                             .step();
-        if (step != SQLITE_DONE) return sqlFailure(step, true);
-    } else {
-        return rc;
+            stmt->bind(1, type).bindBlob(2, bytes).bind(3, keyId).bindBlob(4, foldName(valueName(name))).step();
+        return step == SQLITE_DONE ? kErrorSuccess : sqlFailure(step, true);
     }
-    return scope.commit();
+    if (found != kErrorFileNotFound) return found;
+    // A new value goes after every value the key has.
+    StatementUse stmt(db_->cached(
+        "INSERT INTO key_values (key_id, seq, name, folded, type, data) "
+        "VALUES (?1, (SELECT IFNULL(MAX(seq), 0) + 1 FROM key_values WHERE key_id = ?1), ?2, ?3, ?4, ?5)"));
+    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    const int step = stmt->bind(1, keyId)
+                         .bindBlob(2, valueName(name))
+                         .bindBlob(3, foldName(valueName(name)))
+                         .bind(4, type)
+                         .bindBlob(5, bytes)
+                         .step();
+    return step == SQLITE_DONE ? kErrorSuccess : sqlFailure(step, true);
 }
 
 RegResult SqliteBackend::deleteValue(HKey key, const char* name) {
     if (valueNameTooLong(name)) return kErrorInvalidParameter;
-    std::lock_guard lock(mutex_);
-    WriteScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    std::int64_t id = 0;
-    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
-    StatementUse stmt(db_->cached("DELETE FROM key_values WHERE key_id = ? AND folded = ?"));
-    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
-    const int step = stmt->bind(1, id).bindBlob(2, foldName(valueName(name))).step();
-    if (step != SQLITE_DONE) return sqlFailure(step, true);
-    if (sqlite3_changes(db_->handle()) == 0) return kErrorFileNotFound;
-    return scope.commit();
+    return onKey<WriteScope>(key, [&](std::int64_t id) {
+        StatementUse stmt(db_->cached("DELETE FROM key_values WHERE key_id = ? AND folded = ?"));
+        if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step = stmt->bind(1, id).bindBlob(2, foldName(valueName(name))).step();
+        if (step != SQLITE_DONE) return sqlFailure(step, true);
+        return sqlite3_changes(db_->handle()) == 0 ? kErrorFileNotFound : kErrorSuccess;
+    });
 }
 
 RegResult SqliteBackend::deleteKey(HKey parent, const char* subKey) {
     if (!subKey) return kErrorInvalidParameter;
-    std::lock_guard lock(mutex_);
-    WriteScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    std::int64_t from = 0;
-    std::int64_t id = 0;
-    if (const RegResult rc = keyIdOf(parent, &from); rc != kErrorSuccess) return rc;
-    if (const RegResult rc = findPath(from, subKey, &id); rc != kErrorSuccess) return rc;
-    if (id == kRootKeyId) return kErrorAccessDenied;
+    return onKey<WriteScope>(parent, [&](std::int64_t from) {
+        std::int64_t id = 0;
+        if (const RegResult rc = findPath(from, subKey, &id); rc != kErrorSuccess) return rc;
+        if (id == kRootKeyId) return kErrorAccessDenied;
+        return removeLeafKey(id);
+    });
+}
+
+RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
     {
         StatementUse children(db_->cached("SELECT 1 FROM keys WHERE parent = ? LIMIT 1"));
         if (!children.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
@@ -399,12 +400,13 @@ RegResult SqliteBackend::deleteKey(HKey parent, const char* subKey) {
         if (step == SQLITE_ROW) return kErrorAccessDenied;
         if (step != SQLITE_DONE) return sqlFailure(step, true);
     }
+    // Values go with their key.
     for (const char* sql : {"DELETE FROM key_values WHERE key_id = ?", "DELETE FROM keys WHERE id = ?"}) {
         StatementUse stmt(db_->cached(sql));
         if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
         if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
     }
-    return scope.commit();
+    return kErrorSuccess;
 }
 
 std::int64_t SqliteBackend::dataVersion() { return db_->queryInt("PRAGMA data_version", -1); }
@@ -448,24 +450,21 @@ RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std:
 RegResult SqliteBackend::enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName,
                                    RegType* type, std::uint8_t* data, std::uint32_t* cbData) {
     if (!name || !cchName || (data && !cbData)) return kErrorInvalidParameter;
-    std::lock_guard lock(mutex_);
-    ReadScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    std::int64_t id = 0;
-    if (const RegResult rc = keyIdOf(key, &id); rc != kErrorSuccess) return rc;
-    StoredValue value;
-    if (const RegResult rc = readValueAt(id, index, &value); rc != kErrorSuccess) return rc;
-    if (type) *type = value.type;
-    const auto size = static_cast<std::uint32_t>(value.data.size());
-    const std::uint32_t capacity = cbData ? *cbData : 0;
-    if (cbData) *cbData = size;
-    // Either buffer too small: neither is written and the name size stays
-    // as the caller passed it.
-    if (value.name.size() + 1 > *cchName || (data && size > capacity)) return kErrorMoreData;
-    std::memcpy(name, value.name.c_str(), value.name.size() + 1);
-    *cchName = static_cast<std::uint32_t>(value.name.size());
-    if (data) copyData(value.data, value.type, data, capacity);
-    return kErrorSuccess;
+    return onKey<ReadScope>(key, [&](std::int64_t id) {
+        StoredValue value;
+        if (const RegResult rc = readValueAt(id, index, &value); rc != kErrorSuccess) return rc;
+        if (type) *type = value.type;
+        const auto size = static_cast<std::uint32_t>(value.data.size());
+        const std::uint32_t capacity = cbData ? *cbData : 0;
+        if (cbData) *cbData = size;
+        // Either buffer too small: neither is written and the name size
+        // stays as the caller passed it.
+        if (value.name.size() + 1 > *cchName || (data && size > capacity)) return kErrorMoreData;
+        std::memcpy(name, value.name.c_str(), value.name.size() + 1);
+        *cchName = static_cast<std::uint32_t>(value.name.size());
+        if (data) copyData(value.data, value.type, data, capacity);
+        return kErrorSuccess;
+    });
 }
 
 std::int64_t SqliteBackend::highestKeyId() {

@@ -61,6 +61,11 @@ private:
         std::string data;
     };
 
+    // Runs `work(keyId)` on the live key behind `key` as one operation in
+    // a ReadScope or WriteScope; a write commits when work succeeds.
+    template <typename Scope, typename Work>
+    RegResult onKey(HKey key, Work&& work);
+
     OpenKey* openKeyOf(HKey key);
     RegResult keyIdOf(HKey key, std::int64_t* id);
     RegResult findPath(std::int64_t from, const char* subKey, std::int64_t* id);
@@ -69,11 +74,13 @@ private:
     RegResult addChild(std::int64_t parent, std::string_view name, std::int64_t* id);
     RegResult readValue(std::int64_t keyId, const char* name, StoredValue* value);
     RegResult readValueAt(std::int64_t keyId, std::uint32_t index, StoredValue* value);
+    RegResult storeValue(std::int64_t keyId, const char* name, RegType type, const std::string& bytes);
+    RegResult removeLeafKey(std::int64_t id);
     RegResult loadChildren(OpenKey& key);
     bool keyExists(std::int64_t id);
     HKey newHandle(std::int64_t id);
     std::int64_t dataVersion();
-    RegResult sqlFailure(int rc, bool writing);
+    RegResult sqlFailure(int rc, bool whileWriting);
     bool run(const char* sql);
     // A statement failed in a way that ended a held transaction behind our
     // back; nothing more may run until the scope is closed.
