@@ -95,13 +95,12 @@ TEST(RenameIntfEntries, CopiesValuesByTheirType) {
     // Flags are copied as one byte read as one byte: a wider value does not
     // fit that read and becomes 0.
     EXPECT_EQ(treeText("INTF0\\VISADev\\GPIB0::22"), "[]\n"
-                                                      "  \"\" type 1: 64 65 66 61 75 6c 74 00\n"
-                                                      "  \"Driver\" type 1: 49 4e 53 54 52 00\n"
-                                                      "  \"Flag\" type 3: 01\n"
-                                                      "  \"Wide\" type 3: 00\n"
-                                                      "  \"Number\" type 4: 78 56 34 12\n"
-                                                      "  \"" + std::string(100, 'L') +
-                                                      "\" type 1: 6c 6f 6e 67 20 76 61 6c 75 65 20 6e 61 6d 65 00\n");
+                                                      "  \"\" sz \"default\"\n"
+                                                      "  \"Driver\" sz \"INSTR\"\n"
+                                                      "  \"Flag\" binary 01\n"
+                                                      "  \"Wide\" binary 00\n"
+                                                      "  \"Number\" dword 0x12345678\n"
+                                                      "  \"" + std::string(100, 'L') + "\" sz \"long value name\"\n");
     EXPECT_FALSE(test::keyExists(old));
 }
 
@@ -119,7 +118,7 @@ TEST(RenameIntfEntries, InLineSubkeysMoveUnchangedAndWinOverRenamedOnes) {
     ConfigStore().RenameIntfEntries("INTF0");
     EXPECT_EQ(treeText("INTF0\\VISADev\\GPIB0::22\\GPIB0::22::SOCKET"), before);
     EXPECT_EQ(treeText("INTF0\\VISADev\\GPIB0::22\\GPIB0::22::INSTR"),
-              "[]\n  \"Driver\" type 1: 69 6e 20 6c 69 6e 65 00\n  \"Extra\" type 1: 72 65 6e 61 6d 65 64 00\n");
+              "[]\n  \"Driver\" sz \"in line\"\n  \"Extra\" sz \"renamed\"\n");
 }
 
 TEST(RenameIntfEntries, ARenameOntoAnExistingEntryWritesOverItsValues) {
@@ -134,9 +133,9 @@ TEST(RenameIntfEntries, ARenameOntoAnExistingEntryWritesOverItsValues) {
     ConfigStore().RenameIntfEntries("INTF0");
     EXPECT_EQ(treeText("INTF0\\VISADev"),
               "[]\n[GPIB0::22]\n"
-              "  \"Driver\" type 1: 43 00\n"
-              "  \"Extra\" type 1: 78 00\n"
-              "  \"One\" type 1: 31 00\n");
+              "  \"Driver\" sz \"C\"\n"
+              "  \"Extra\" sz \"x\"\n"
+              "  \"One\" sz \"1\"\n");
 }
 
 TEST(RenameIntfEntries, AnEntryThatCannotBeDeletedEndsTheList) {

@@ -1,5 +1,6 @@
 #include "tree_text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -13,14 +14,30 @@ namespace {
 using platform::currentStore;
 using platform::kErrorSuccess;
 
-std::string valueText(platform::RegType type, const std::vector<std::uint8_t>& data, std::uint32_t size) {
-    std::string text = "type " + std::to_string(type) + ":";
+std::string hexBytes(const std::vector<std::uint8_t>& data, std::uint32_t size) {
+    std::string text;
     for (std::uint32_t i = 0; i < size; ++i) {
         char hex[4];
-        std::snprintf(hex, sizeof hex, " %02x", data[i]);
+        std::snprintf(hex, sizeof hex, i ? " %02x" : "%02x", data[i]);
         text += hex;
     }
     return text;
+}
+
+// Strings with exactly their terminator and four-byte numbers read as
+// such; everything else shows its type number and bytes.
+std::string valueText(platform::RegType type, const std::vector<std::uint8_t>& data, std::uint32_t size) {
+    if (type == platform::kRegSz && size > 0 && data[size - 1] == 0 &&
+        std::find(data.begin(), data.begin() + size - 1, 0) == data.begin() + size - 1)
+        return "sz \"" + std::string(data.begin(), data.begin() + size - 1) + "\"";
+    if (type == platform::kRegDword && size == 4) {
+        char number[24];
+        std::snprintf(number, sizeof number, "dword 0x%08x",
+                      static_cast<unsigned>(data[0] | data[1] << 8 | data[2] << 16 | data[3] << 24));
+        return number;
+    }
+    if (type == platform::kRegBinary) return "binary " + hexBytes(data, size);
+    return "type " + std::to_string(type) + " " + hexBytes(data, size);
 }
 
 void appendKey(platform::HKey key, const std::string& path, std::string& out) {

@@ -2,7 +2,10 @@
 // A subtree of the store as text, for comparing whole trees in one
 // expectation: every key (path relative to the dumped one, as stored) in
 // enumeration order, each followed by its values in their order with type
-// and bytes.
+// and data:
+//   [INTF0\VISADev]
+//     "Driver" sz "INSTR"
+//     "Flag" binary 01
 #include <string>
 
 namespace braxcfg::test {
