@@ -1,0 +1,98 @@
+#pragma once
+// The few ONC-RPC messages a VXI-11 probe exchanges, encoded and decoded by
+// hand: portmapper GETPORT, create_link and destroy_link, framed with TCP
+// record marking. Pure functions over bytes; no I/O here.
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace braxcfg::visa::lan::rpc {
+
+inline constexpr std::uint32_t kPortmapProgram = 100000;
+inline constexpr std::uint32_t kPortmapVersion = 2;
+inline constexpr std::uint32_t kPortmapGetPort = 3;
+inline constexpr std::uint32_t kProtocolTcp = 6;
+
+inline constexpr std::uint32_t kDeviceCoreProgram = 0x0607AF;
+inline constexpr std::uint32_t kDeviceCoreVersion = 1;
+inline constexpr std::uint32_t kCreateLink = 10;
+inline constexpr std::uint32_t kDestroyLink = 23;
+
+// accept_stat of an accepted reply.
+inline constexpr std::uint32_t kAcceptSuccess = 0;
+inline constexpr std::uint32_t kProgramUnavailable = 1;
+
+inline constexpr std::uint32_t kLastFragment = 0x80000000u;
+
+// Complete call records, record mark included.
+std::vector<std::uint8_t> getPortCall(std::uint32_t xid, std::uint32_t program, std::uint32_t version);
+std::vector<std::uint8_t> createLinkCall(std::uint32_t xid, std::int32_t clientId, std::string_view device);
+std::vector<std::uint8_t> destroyLinkCall(std::uint32_t xid, std::int32_t linkId);
+
+// Collects the fragments of one record from a byte stream.
+class RecordAssembler {
+public:
+    enum class State { NeedMore, Complete, TooLarge };
+
+    explicit RecordAssembler(std::size_t maxRecord = 64 * 1024) : maxRecord_(maxRecord) {}
+
+    // Takes bytes off the front of `input` (all of them unless the record
+    // completes first) and says where the record stands.
+    State feed(std::span<const std::uint8_t>& input);
+    const std::vector<std::uint8_t>& record() const { return record_; }
+
+private:
+    std::size_t maxRecord_;
+    std::vector<std::uint8_t> record_;
+    std::uint8_t mark_[4] = {};
+    std::size_t markBytes_ = 0;
+    std::size_t fragmentLeft_ = 0;
+    bool lastFragment_ = false;
+    bool inFragment_ = false;
+    State state_ = State::NeedMore;
+};
+
+// Reads big-endian words from a reply body.
+class XdrReader {
+public:
+    explicit XdrReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    bool u32(std::uint32_t& value);
+    // Skips a variable-length opaque (length word, bytes padded to 4).
+    bool skipOpaque(std::size_t maxLength);
+    // What has not been read yet.
+    std::span<const std::uint8_t> rest() const { return bytes_.subspan(offset_); }
+
+private:
+    std::span<const std::uint8_t> bytes_;
+    std::size_t offset_ = 0;
+};
+
+enum class ReplyKind {
+    Accepted,   // MSG_ACCEPTED; see acceptStat
+    Denied,     // MSG_DENIED
+    WrongXid,   // an answer to another call
+    Malformed,  // not an RPC reply
+};
+
+struct Reply {
+    ReplyKind kind = ReplyKind::Malformed;
+    std::uint32_t acceptStat = 0;
+    std::span<const std::uint8_t> results;  // the procedure's results, when accepted with success
+};
+
+// Decodes the header of a reply record (without its record mark).
+Reply parseReply(std::span<const std::uint8_t> record, std::uint32_t xid);
+
+// Results of the three procedures; false when the results are too short.
+bool parseGetPortResult(std::span<const std::uint8_t> results, std::uint32_t& port);
+struct CreateLinkResult {
+    std::int32_t error = 0;
+    std::int32_t linkId = 0;
+    std::uint16_t abortPort = 0;
+    std::uint32_t maxReceiveSize = 0;
+};
+bool parseCreateLinkResult(std::span<const std::uint8_t> results, CreateLinkResult& out);
+
+}  // namespace braxcfg::visa::lan::rpc

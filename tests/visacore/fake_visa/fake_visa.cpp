@@ -1,0 +1,55 @@
+// A VISA library as the system might have one, reduced to what the core
+// services call. Its answers depend on the device name, so a test can ask
+// for each outcome; it also reports what it was asked.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr std::uint32_t kRm = 0x5151;
+constexpr std::uint32_t kInstrument = 0x6161;
+int closedInstruments = 0;
+std::uint32_t lastTimeout = 0;
+
+}  // namespace
+
+extern "C" {
+
+__attribute__((visibility("default"))) std::int32_t viOpenDefaultRM(std::uint32_t* session) {
+    *session = kRm;
+    return 0;
+}
+
+#ifndef FAKE_VISA_WITHOUT_OPEN
+__attribute__((visibility("default"))) std::int32_t viOpen(std::uint32_t rm, const char* name, std::uint32_t,
+                                                           std::uint32_t timeout, std::uint32_t* vi) {
+    lastTimeout = timeout;
+    if (rm != kRm) return static_cast<std::int32_t>(0xBFFF000Eu);
+    if (std::strstr(name, "::found0::") != nullptr) {
+        *vi = kInstrument;
+        return 0;
+    }
+    if (std::strstr(name, "::quiet0::") != nullptr) {
+        *vi = kInstrument;
+        return static_cast<std::int32_t>(0x3FFF007Du);  // opened, device not responding
+    }
+    if (std::strstr(name, "::located0::") != nullptr) return static_cast<std::int32_t>(0xBFFF0011u);
+    return static_cast<std::int32_t>(0xBFFF00A7u);
+}
+#endif
+
+__attribute__((visibility("default"))) std::int32_t viClose(std::uint32_t object) {
+    if (object == kInstrument) ++closedInstruments;
+    return 0;
+}
+
+__attribute__((visibility("default"))) std::int32_t viStatusDesc(std::uint32_t, std::int32_t status, char* desc) {
+    std::snprintf(desc, 256, "system text for %08X", static_cast<unsigned>(status));
+    return 0;
+}
+
+__attribute__((visibility("default"))) int fakeVisaClosedInstruments() { return closedInstruments; }
+__attribute__((visibility("default"))) std::uint32_t fakeVisaLastTimeout() { return lastTimeout; }
+
+}  // extern "C"
