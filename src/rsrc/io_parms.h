@@ -16,9 +16,9 @@ namespace braxcfg::rsrc {
 class IoParms {
 public:
     static constexpr int kMaxElements = 10;
-    static constexpr std::uint32_t kNameBufferSize = 1024;   // canonical and alternate names
-    static constexpr std::uint32_t kClassBufferSize = 256;   // rsrcClassStr
-    static constexpr std::size_t kIntfNameSize = 256;        // intfName, terminator included
+    static constexpr std::uint32_t kNameBufferSize = 1024;    // canonical and alternate names
+    static constexpr std::uint32_t kClassBufferSize = 256;    // rsrcClassStr
+    static constexpr std::size_t kIntfNameSize = 256;         // intfName, terminator included
     static constexpr std::uint32_t kNotANumber = 0xFFFFFFFF;  // getNumParam's "no number"
 
     IoParms();

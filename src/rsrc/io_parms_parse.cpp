@@ -83,15 +83,14 @@ bool IoParms::splitElements(const char* input, Outcome& outcome) {
         ++p;
         token = p + 1;
         if (count_ >= kMaxSeparatedElements)
-            return outcome.failLogged(errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': more that %d parameters",
-                                             input, kMaxElements));
+            return outcome.failLogged(
+                errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': more that %d parameters", input, kMaxElements));
     }
     if (*token == '\0') return outcome.fail(VI_ERROR_INV_RSRC_NAME);
     if (!appendLastElement(token, std::strlen(token)))
         return outcome.failLogged(
             errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[]", input));
-    if (count_ == 0)
-        return outcome.failLogged(errLog(VI_ERROR_INV_RSRC_NAME, "IoParms::parse: rsrcString was empty"));
+    if (count_ == 0) return outcome.failLogged(errLog(VI_ERROR_INV_RSRC_NAME, "IoParms::parse: rsrcString was empty"));
     return true;
 }
 
@@ -103,8 +102,8 @@ bool IoParms::nameInterface(const char* input, Outcome& outcome) {
     if (*digit != '\0') {
         const auto typeLength = static_cast<std::size_t>(digit - first);
         if (!intfTypeStr_.allocate(typeLength + 1))
-            return outcome.failLogged(errLog(
-                VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfTypeStr", input));
+            return outcome.failLogged(
+                errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfTypeStr", input));
         std::memcpy(intfTypeStr_.text.get(), first, typeLength);
         intfTypeStr_.text[typeLength] = '\0';
     } else {
@@ -113,8 +112,8 @@ bool IoParms::nameInterface(const char* input, Outcome& outcome) {
         intfTypeStr_ = std::move(elements_[0]);
         elements_[0].size = 0;
         if (!elements_[0].allocate(typeLength + 2))
-            return outcome.failLogged(errLog(
-                VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfName", input));
+            return outcome.failLogged(
+                errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfName", input));
         std::memcpy(elements_[0].text.get(), intfTypeStr_.text.get(), typeLength);
         std::memcpy(elements_[0].text.get() + typeLength, "0", 2);
     }

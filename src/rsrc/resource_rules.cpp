@@ -14,8 +14,8 @@ struct InterfaceTypeWord {
 };
 
 constexpr InterfaceTypeWord kInterfaceTypes[] = {
-    {"GPIB", VI_INTF_GPIB},   {"VXI", VI_INTF_VXI},     {"GPIB-VXI", VI_INTF_GPIB_VXI}, {"ASRL", VI_INTF_ASRL},
-    {"PXI", VI_INTF_PXI},     {"TCPIP", VI_INTF_TCPIP}, {"USB", VI_INTF_USB},           {"RSIB", VI_INTF_RSIB},
+    {"GPIB", VI_INTF_GPIB}, {"VXI", VI_INTF_VXI},     {"GPIB-VXI", VI_INTF_GPIB_VXI}, {"ASRL", VI_INTF_ASRL},
+    {"PXI", VI_INTF_PXI},   {"TCPIP", VI_INTF_TCPIP}, {"USB", VI_INTF_USB},           {"RSIB", VI_INTF_RSIB},
 };
 
 // In the order the class words are looked up.
@@ -35,16 +35,16 @@ struct ClassRule {
 };
 
 constexpr ClassRule kClassRules[] = {
-    {"INSTR", VI_INTF_GPIB, counts({1, 2})},       {"INSTR", VI_INTF_VXI, counts({1})},
-    {"INSTR", VI_INTF_GPIB_VXI, counts({1})},      {"INSTR", VI_INTF_ASRL, counts({0})},
-    {"INSTR", VI_INTF_PXI, counts({1, 2, 3})},     {"INSTR", VI_INTF_TCPIP, counts({1, 2})},
-    {"INSTR", VI_INTF_USB, counts({3, 4})},        {"INSTR", VI_INTF_RSIB, counts({1, 2})},
-    {"MEMACC", VI_INTF_VXI, counts({0})},          {"MEMACC", VI_INTF_GPIB_VXI, counts({0})},
-    {"MEMACC", VI_INTF_PXI, counts({0})},          {"INTFC", VI_INTF_GPIB, counts({0})},
-    {"INTFC", VI_INTF_TCPIP, counts({0, 2})},      {"INTFC", VI_INTF_RSIB, counts({0, 2})},
-    {"BACKPLANE", VI_INTF_VXI, counts({0, 1})},    {"BACKPLANE", VI_INTF_GPIB_VXI, counts({0, 1})},
-    {"BACKPLANE", VI_INTF_PXI, counts({1})},       {"SOCKET", VI_INTF_TCPIP, counts({2})},
-    {"SERVANT", VI_INTF_GPIB, counts({0})},        {"SERVANT", VI_INTF_VXI, counts({0})},
+    {"INSTR", VI_INTF_GPIB, counts({1, 2})},    {"INSTR", VI_INTF_VXI, counts({1})},
+    {"INSTR", VI_INTF_GPIB_VXI, counts({1})},   {"INSTR", VI_INTF_ASRL, counts({0})},
+    {"INSTR", VI_INTF_PXI, counts({1, 2, 3})},  {"INSTR", VI_INTF_TCPIP, counts({1, 2})},
+    {"INSTR", VI_INTF_USB, counts({3, 4})},     {"INSTR", VI_INTF_RSIB, counts({1, 2})},
+    {"MEMACC", VI_INTF_VXI, counts({0})},       {"MEMACC", VI_INTF_GPIB_VXI, counts({0})},
+    {"MEMACC", VI_INTF_PXI, counts({0})},       {"INTFC", VI_INTF_GPIB, counts({0})},
+    {"INTFC", VI_INTF_TCPIP, counts({0, 2})},   {"INTFC", VI_INTF_RSIB, counts({0, 2})},
+    {"BACKPLANE", VI_INTF_VXI, counts({0, 1})}, {"BACKPLANE", VI_INTF_GPIB_VXI, counts({0, 1})},
+    {"BACKPLANE", VI_INTF_PXI, counts({1})},    {"SOCKET", VI_INTF_TCPIP, counts({2})},
+    {"SERVANT", VI_INTF_GPIB, counts({0})},     {"SERVANT", VI_INTF_VXI, counts({0})},
     {"SERVANT", VI_INTF_TCPIP, counts({0, 1})},
 };
 

@@ -12,7 +12,9 @@ namespace {
 constexpr int kNameChars = 1024;
 
 // Each operand in a buffer of its own: parse trims it in place.
-std::vector<char> writableCopy(const std::string& text) { return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1); }
+std::vector<char> writableCopy(const std::string& text) {
+    return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
+}
 
 int dumpEach(const std::vector<std::string>& strings) {
     bool allParsed = true;
@@ -35,7 +37,8 @@ int canonEach(const std::vector<std::string>& strings) {
         char canonical[kNameChars];
         char alternate[kNameChars];
         std::printf("%s\t%s\t0x%08lX\n", parms.getCanonicalName(canonical, kNameChars),
-                    parms.getAltName(alternate, kNameChars), static_cast<unsigned long>(static_cast<std::uint32_t>(status)));
+                    parms.getAltName(alternate, kNameChars),
+                    static_cast<unsigned long>(static_cast<std::uint32_t>(status)));
     }
     return allParsed ? 0 : 1;
 }
@@ -52,16 +55,15 @@ int runRsrc(const Args& args) {
     return rc;
 }
 
-const CommandRegistration kRsrc(
-    {"rsrc", "parse resource strings: record dump or canonical forms",
-     "usage: braxcfg rsrc dump [--] STRING...\n"
-     "       braxcfg rsrc canon [--] STRING...\n"
-     "dump parses each STRING and prints the whole parsed record.\n"
-     "canon prints one line per STRING: canonical name, TAB, alternate name (empty\n"
-     "when none), TAB, the parse status in hexadecimal (0xBFFF0012).\n"
-     "After \"--\" every argument is a resource string, even one starting with \"-\".\n"
-     "Exit status 0 when every STRING parsed without error, 1 otherwise.\n",
-     StoreUse::Read, runRsrc});
+const CommandRegistration kRsrc({"rsrc", "parse resource strings: record dump or canonical forms",
+                                 "usage: braxcfg rsrc dump [--] STRING...\n"
+                                 "       braxcfg rsrc canon [--] STRING...\n"
+                                 "dump parses each STRING and prints the whole parsed record.\n"
+                                 "canon prints one line per STRING: canonical name, TAB, alternate name (empty\n"
+                                 "when none), TAB, the parse status in hexadecimal (0xBFFF0012).\n"
+                                 "After \"--\" every argument is a resource string, even one starting with \"-\".\n"
+                                 "Exit status 0 when every STRING parsed without error, 1 otherwise.\n",
+                                 StoreUse::Read, runRsrc});
 
 }  // namespace
 }  // namespace braxcfg::tool

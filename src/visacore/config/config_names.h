@@ -4,7 +4,7 @@
 namespace braxcfg::visa {
 
 // Values of an interface key "INTF<n>" (and keys of an INI section).
-inline constexpr const char* kKorlIntfNameValue = "VISAKorlIntfName";  // REG_SZ
+inline constexpr const char* kKorlIntfNameValue = "VISAKorlIntfName";    // REG_SZ
 inline constexpr const char* kExportEnabledValue = "VISAExportEnabled";  // REG_DWORD / number
 
 // Product setting that says where the configuration lives: non-zero (or
