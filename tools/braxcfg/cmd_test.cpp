@@ -1,0 +1,52 @@
+// test RESOURCE [--alias NAME] [--timeout MS]: the TCPIP dialogs' resource
+// test without a window. The message box the test would show is printed
+// instead: its caption on the first line, its text after it.
+#include <chrono>
+#include <iostream>
+
+#include "command.h"
+#include "tcpip/resource_test.h"
+#include "ui/message_box.h"
+#include "visacore/probe_timeout.h"
+
+namespace braxcfg::tool {
+namespace {
+
+bool parseTimeout(const std::string& text, std::chrono::milliseconds& timeout) {
+    if (text.empty() || text.size() > 6 || text.find_first_not_of("0123456789") != std::string::npos) return false;
+    const long long value = std::stoll(text);
+    if (value < 1 || value > visa::kMaxProbeTimeout.count()) return false;
+    timeout = std::chrono::milliseconds(value);
+    return true;
+}
+
+int runTest(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    if (!splitArgs(args, {}, {"--alias", "--timeout"}, split, error)) return fail(error);
+    if (split.operands.size() != 1) return fail("test needs exactly one RESOURCE");
+    visa::ProbeControl control;
+    if (hasOption(split, "--timeout") && !parseTimeout(optionValue(split, "--timeout"), control.timeout))
+        return fail("--timeout takes milliseconds from 1 to " + std::to_string(visa::kMaxProbeTimeout.count()));
+
+    const ui::MessageBoxCapture boxes;
+    const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control);
+    if (boxes.requests().empty()) return fail("the VISA resource manager could not be opened");
+    const ui::MessageBoxRequest& box = boxes.requests().front();
+    std::cout << box.caption << "\n" << box.text << "\n";
+    return found == 1 ? 0 : 1;
+}
+
+const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialogs' Test button does",
+                                 "usage: braxcfg test RESOURCE [--alias NAME] [--timeout MS]\n"
+                                 "Locates RESOURCE (TCPIP::host[::device][::INSTR] or\n"
+                                 "TCPIP::host::port::SOCKET) and prints what the resource test would show:\n"
+                                 "the caption on the first line, then the text.\n"
+                                 "  --alias NAME   the resource's alias, named in the text when it is found\n"
+                                 "  --timeout MS   give up after MS milliseconds (1 to 60000); default: the\n"
+                                 "                 product setting \"ResourceTestTimeout\", else 3000\n"
+                                 "Exit status 0 when the resource was found, 1 when it was not.\n",
+                                 StoreUse::Read, runTest});
+
+}  // namespace
+}  // namespace braxcfg::tool
