@@ -114,7 +114,7 @@ std::size_t Peer::drain() {
 }
 
 FakeServer::FakeServer(Handler handler) : handler_(std::move(handler)) {
-    listenFd_ = loopbackSocket(port_, 16);
+    listenFd_ = loopbackSocket(port_, SOMAXCONN);
     stopFd_ = eventfd(0, EFD_CLOEXEC);
     acceptor_ = std::thread([this] { acceptLoop(); });
 }
@@ -123,7 +123,7 @@ FakeServer::~FakeServer() {
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = ::write(stopFd_, &one, sizeof one);
     acceptor_.join();
-    for (std::thread& worker : workers_) worker.join();
+    for (Worker& worker : workers_) worker.thread.join();
     close(listenFd_);
     close(stopFd_);
 }
@@ -137,12 +137,26 @@ void FakeServer::acceptLoop() {
         const int fd = accept4(listenFd_, nullptr, nullptr, SOCK_CLOEXEC);
         if (fd < 0) continue;
         ++accepted_;
-        std::lock_guard lock(mutex_);
-        workers_.emplace_back([this, fd] {
-            Peer peer(fd, stopFd_);
-            handler_(peer);
-            close(fd);
-        });
+        joinFinishedWorkers();
+        auto done = std::make_shared<std::atomic<bool>>(false);
+        workers_.push_back({std::thread([this, fd, done] {
+                                Peer peer(fd, stopFd_);
+                                handler_(peer);
+                                close(fd);
+                                done->store(true);
+                            }),
+                            done});
+    }
+}
+
+void FakeServer::joinFinishedWorkers() {
+    for (auto it = workers_.begin(); it != workers_.end();) {
+        if (it->done->load()) {
+            it->thread.join();
+            it = workers_.erase(it);
+        } else {
+            ++it;
+        }
     }
 }
 

@@ -49,6 +49,14 @@ public:
 
 private:
     void acceptLoop();
+    // Joins the workers whose connection has ended (a benchmark makes
+    // thousands of connections).
+    void joinFinishedWorkers();
+
+    struct Worker {
+        std::thread thread;
+        std::shared_ptr<std::atomic<bool>> done;
+    };
 
     Handler handler_;
     int listenFd_ = -1;
@@ -56,8 +64,7 @@ private:
     std::uint16_t port_ = 0;
     std::atomic<int> accepted_{0};
     std::thread acceptor_;
-    std::mutex mutex_;
-    std::vector<std::thread> workers_;
+    std::vector<Worker> workers_;
 };
 
 // A port that accepts no connection attempt at all: its accept queue is
