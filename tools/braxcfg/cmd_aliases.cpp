@@ -1,0 +1,107 @@
+// aliases [set NAME --resource R [--korl-address A] | remove NAME]: the
+// aliases of LAN resources, through the list the LAN resource dialog uses.
+#include <cstdio>
+#include <iostream>
+
+#include "command.h"
+#include "dialogs/alist.h"
+#include "platform/store.h"
+
+namespace braxcfg::tool {
+namespace {
+
+using dialogs::AliasEntry;
+using dialogs::AList;
+
+// The aliases of the store, freed with the list.
+class LoadedAliases {
+public:
+    LoadedAliases() { list_.load(); }
+    ~LoadedAliases() { list_.deleteRecords(); }
+    LoadedAliases(const LoadedAliases&) = delete;
+    LoadedAliases& operator=(const LoadedAliases&) = delete;
+
+    AList& list() { return list_; }
+    AliasEntry* named(const std::string& name) {
+        const AliasEntry probe(name, std::nullopt, std::nullopt);
+        return list_.findDuplicate(&probe);
+    }
+
+private:
+    AList list_;
+};
+
+int listAliases() {
+    LoadedAliases aliases;
+    if (aliases.list().count() == 0) {
+        std::cout << "No aliases.\n";
+        return 0;
+    }
+    std::printf("%-20s %-40s %s\n", "ALIAS", "RESOURCE (VISADevices)", "KORL ADDRESS (Devices)");
+    aliases.list().reset();
+    while (const AliasEntry* entry = aliases.list().next())
+        std::printf("%-20s %-40s %s\n", entry->name().value_or("").c_str(),
+                    entry->rsrcString().value_or("-").c_str(), entry->korlAddress().value_or("-").c_str());
+    return 0;
+}
+
+int commitOrFail(AList& list) {
+    return list.commit() == 0 ? 0 : fail("the store did not take the change; nothing was written");
+}
+
+int setAlias(const std::string& name, const SplitArgs& split) {
+    const std::string resource = optionValue(split, "--resource");
+    if (resource.empty()) return fail("usage: braxcfg aliases set NAME --resource R [--korl-address A]");
+    const bool hasKorl = hasOption(split, "--korl-address");
+    const std::string korl = optionValue(split, "--korl-address");
+    LoadedAliases aliases;
+    if (AliasEntry* entry = aliases.named(name)) {
+        entry->setName(name);
+        entry->setRsrcString(resource);
+        if (hasKorl) entry->setKorlAddress(korl.empty() ? std::nullopt : AliasEntry::Text(korl));
+        aliases.list().markChanged(entry);
+    } else {
+        auto* added = new AliasEntry(name, resource, hasKorl && !korl.empty() ? AliasEntry::Text(korl) : std::nullopt);
+        if (aliases.list().addRecord(added) != 0) {
+            delete added;
+            return fail("cannot add the alias " + name);
+        }
+    }
+    return commitOrFail(aliases.list());
+}
+
+int removeAlias(const std::string& name) {
+    LoadedAliases aliases;
+    AliasEntry* entry = aliases.named(name);
+    if (entry == nullptr) return fail("no alias named " + name);
+    aliases.list().markDeleted(entry);
+    return commitOrFail(aliases.list());
+}
+
+int runAliases(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    if (!splitArgs(args, {}, {"--resource", "--korl-address"}, split, error)) return fail(error);
+    const auto& words = split.operands;
+    if (words.empty()) return split.options.empty() ? listAliases() : fail("options belong to 'aliases set'");
+    if (!platform::currentStoreStatus().writable)
+        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
+    if (words[0] == "set" && words.size() == 2 && !words[1].empty()) return setAlias(words[1], split);
+    if (words[0] == "remove" && words.size() == 2 && split.options.empty()) return removeAlias(words[1]);
+    return fail("usage: braxcfg aliases [set NAME --resource R [--korl-address A] | remove NAME]");
+}
+
+const CommandRegistration kAliases(
+    {"aliases", "list, set or remove the aliases of LAN resources",
+     "usage: braxcfg aliases\n"
+     "       braxcfg aliases set NAME --resource R [--korl-address A]\n"
+     "       braxcfg aliases remove NAME\n"
+     "Without an action, lists every alias with its resource string (the\n"
+     "\"VISADevices\" list) and its KORL address (the \"Devices\" list). 'set' adds or\n"
+     "changes an alias (names ignore case); without --korl-address an existing\n"
+     "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
+     "alias from both lists.\n",
+     StoreUse::Read, runAliases});
+
+}  // namespace
+}  // namespace braxcfg::tool

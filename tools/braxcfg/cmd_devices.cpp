@@ -1,0 +1,113 @@
+// devices INTF [add NAME [--class C] | clear]: the device entries of one
+// interface, through the store operations the dialogs use.
+#include <cstdio>
+#include <iostream>
+
+#include "command.h"
+#include "platform/registry.h"
+#include "platform/store.h"
+#include "store/config_store.h"
+
+namespace braxcfg::tool {
+namespace {
+
+std::string hexBytes(const std::string& bytes) {
+    std::string out;
+    for (unsigned char byte : bytes) {
+        char hex[4];
+        std::snprintf(hex, sizeof hex, out.empty() ? "%02x" : " %02x", byte);
+        out += hex;
+    }
+    return out;
+}
+
+std::string valueText(platform::RegType type, const std::string& bytes) {
+    if (type == platform::kRegSz) return "\"" + std::string(bytes.c_str()) + "\"";
+    if (type == platform::kRegDword && bytes.size() == 4) {
+        char number[16];
+        std::snprintf(number, sizeof number, "0x%08x",
+                      static_cast<unsigned>(static_cast<unsigned char>(bytes[0]) |
+                                            static_cast<unsigned char>(bytes[1]) << 8 |
+                                            static_cast<unsigned char>(bytes[2]) << 16 |
+                                            static_cast<unsigned>(static_cast<unsigned char>(bytes[3])) << 24));
+        return number;
+    }
+    if (type == platform::kRegBinary) return "hex:" + hexBytes(bytes);
+    return "type " + std::to_string(type) + " hex:" + hexBytes(bytes);
+}
+
+void printValues(const std::string& keyPath) {
+    const platform::Registry key(keyPath, platform::kRegOpenExisting);
+    std::string name;
+    platform::RegType type = platform::kRegNone;
+    for (std::uint32_t i = 0;; ++i) {
+        key.enumValue(i, name, type);
+        if (name.empty()) break;
+        std::string bytes;
+        key.getRaw(name, type, bytes);
+        std::cout << "    " << name << " = " << valueText(type, bytes) << "\n";
+    }
+}
+
+int listDevices(const store::ConfigStore& store, const std::string& intf) {
+    std::uint32_t index = 0;
+    for (std::string device; !(device = store.GetDeviceName(intf, index)).empty(); ++index) {
+        std::cout << device << "\n";
+        std::uint32_t resourceIndex = 0;
+        for (std::string resource; !(resource = store.GetDeviceRsrcName(intf, device, resourceIndex)).empty();
+             ++resourceIndex) {
+            std::cout << "  " << resource << "\n";
+            printValues(intf + "\\VISADev\\" + device + "\\" + resource);
+        }
+    }
+    if (index == 0) std::cout << "No device entries on " << intf << " (" << store.GetVisaName(intf) << ").\n";
+    return 0;
+}
+
+int runDevices(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    if (!splitArgs(args, {}, {"--class"}, split, error)) return fail(error);
+    const auto& words = split.operands;
+    if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
+    const std::string& intf = words[0];
+    const store::ConfigStore store;
+    if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
+    const bool hasDeviceList = platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen();
+    const std::string action = words.size() > 1 ? words[1] : "";
+    const std::string classFilter = optionValue(split, "--class");
+    if (action != "add" && !classFilter.empty()) return fail("--class belongs to 'devices INTF add NAME'");
+    if (action.empty()) return words.size() == 1 ? listDevices(store, intf) : fail("unexpected operands");
+    if (!platform::currentStoreStatus().writable)
+        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
+    if (action == "add") {
+        if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
+        if (!hasDeviceList) return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
+        store.AddDeviceEntry(intf, words[2], classFilter);
+        if (store.GetDeviceRsrcName(intf, words[2], 0).empty())
+            std::cerr << "braxcfg: note: no resource class of the VISAInfo\\DefaultRsrcs table applies to "
+                      << words[2] << (classFilter.empty() ? "" : " with --class " + classFilter) << "\n";
+        return 0;
+    }
+    if (action == "clear") {
+        if (words.size() != 2) return fail("usage: braxcfg devices INTF clear");
+        store.ClearDevices(intf);
+        return 0;
+    }
+    return fail("unknown devices action '" + action + "' (add or clear)");
+}
+
+const CommandRegistration kDevices(
+    {"devices", "list, add or clear an interface's device entries",
+     "usage: braxcfg devices INTF\n"
+     "       braxcfg devices INTF add NAME [--class C]\n"
+     "       braxcfg devices INTF clear\n"
+     "Without an action, lists the device entries below INTF\\VISADev with their\n"
+     "resource entries and values. 'add' creates the device entry NAME (such as\n"
+     "GPIB0::22) with one resource entry per class of VISAInfo\\DefaultRsrcs that\n"
+     "applies to the interface's type, or only class C. 'clear' removes every\n"
+     "device entry of the interface.\n",
+     StoreUse::Read, runDevices});
+
+}  // namespace
+}  // namespace braxcfg::tool
