@@ -72,7 +72,9 @@ void configureAtRunTime(const ConfigStore& store, const std::string& intf) { sto
 
 void setupVisaIntf(const ConfigStore& store, const std::string& intf) {
     store.WriteVisaInfoDefaults();
-    if (store.IsVisaIntfSetup(intf)) return;
+    // An interface without a VISA name is no interface to set up, whatever
+    // type it claims; one already set up keeps its choice.
+    if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
         case kIntfGpib:

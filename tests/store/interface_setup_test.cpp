@@ -92,6 +92,9 @@ TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {
             EXPECT_EQ(autoConfigOf(intf), withProfile ? c.expectedWithTrue : c.expectedWithoutProfile);
         }
     }
+    putString(underProduct("INTF99"), "VISAIntfType", "GPIB");  // no VISA name
+    setupVisaIntf(store_, "INTF99");
+    EXPECT_EQ(autoConfigOf("INTF99"), "not set up");
     EXPECT_TRUE(test::keyExists(underProduct("VISAInfo\\DefaultRsrcs\\INSTR")));
 }
 

@@ -1,0 +1,128 @@
+// braxcfg setup / end-pass through the loaded plug-in, from a fixture store
+// with every interface type to the exported result.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "braxcfg_version.h"
+#include "temp_store.h"
+
+namespace {
+
+const std::string kFixtures = BRAXCFG_TEST_FIXTURES;
+
+std::string readText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+std::string shellQuoted(const std::string& word) {
+    std::string out = "'";
+    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+}
+
+class SetupEndPassTool : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = braxcfg::test::testOutputDir("setup_tool/" + std::to_string(getpid()));
+        std::filesystem::remove_all(dir_);
+        std::filesystem::create_directories(dir_ + "/intfcfg");
+        std::ofstream(dir_ + "/intfcfg/intfcfg.ini", std::ios::binary) << "[Cfg232]\r\nVISAAutoConfig=True\r\n";
+    }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+
+    // Runs the tool on the test's store; its exit code, with stderr in `output`.
+    int run(const std::vector<std::string>& args, std::string* output = nullptr) const {
+        std::string command = shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(dir_ + "/store.db");
+        for (const std::string& arg : args) command += " " + shellQuoted(arg);
+        FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
+        if (pipe == nullptr) return -1;
+        std::string text;
+        char buffer[4096];
+        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
+        const int status = ::pclose(pipe);
+        if (output) *output = text;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string dir_;
+};
+
+TEST_F(SetupEndPassTool, EveryInterfaceTypeGoesThroughSetUpAndEndOfPass) {
+    const std::string productKey = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
+    std::ofstream(dir_ + "/base.reg") << "REGEDIT4\n\n[" << productKey << "]\n\"BaseDir\"=\"" << dir_ << "\"\n";
+    std::string output;
+    ASSERT_EQ(run({"import", kFixtures + "/setup_every_type.reg"}, &output), 0) << output;
+    ASSERT_EQ(run({"import", dir_ + "/base.reg"}, &output), 0) << output;
+    for (const char* intf : {"INTF0", "INTF1", "INTF2", "INTF3", "INTF4", "INTF5", "INTF6", "INTF7", "INTF8",
+                             "INTF9", "INTF12"})
+        ASSERT_EQ(run({"setup", intf}, &output), 0) << intf << ": " << output;
+    ASSERT_EQ(run({"end-pass"}, &output), 0) << output;
+    ASSERT_EQ(run({"export", "--utf8", dir_ + "/out.reg"}, &output), 0) << output;
+
+    std::string exported = readText(dir_ + "/out.reg");
+    replaceAll(exported, "\"BaseDir\"=\"" + dir_ + "\"", "\"BaseDir\"=\"@BASEDIR@\"");
+    exported = std::regex_replace(exported, std::regex("\"LastMod\"=\"[A-Z][a-z]{2} [A-Z][a-z]{2} \\d{2} "
+                                                       "\\d{2}:\\d{2}:\\d{2} \\d{4}\""),
+                                  "\"LastMod\"=\"@LASTMOD@\"");
+    std::string expected = readText(kFixtures + "/setup_every_type.expected.reg");
+    char number[16];
+    // "ManfVersionNbr" is the version in the VISA encoding (12, 12 and 8 bits).
+    std::snprintf(number, sizeof number, "%08x",
+                  BRAXCFG_VERSION_MAJOR << 20 | BRAXCFG_VERSION_MINOR << 8 | BRAXCFG_VERSION_PATCH);
+    replaceAll(expected, "@VERSIONNBR@", number);
+    std::snprintf(number, sizeof number, "%08x", BRAXCFG_MANUFACTURER_ID);
+    replaceAll(expected, "@MANFID@", number);
+    replaceAll(expected, "@VERSION@", BRAXCFG_VERSION_TEXT);
+    replaceAll(expected, "@YEARS@", BRAXCFG_COPYRIGHT_YEARS);
+    EXPECT_EQ(exported, expected);
+}
+
+TEST_F(SetupEndPassTool, DevicesAndAliasesEditTheStore) {
+    std::string output;
+    ASSERT_EQ(run({"import", kFixtures + "/setup_every_type.reg"}, &output), 0) << output;
+    EXPECT_EQ(run({"devices", "INTF1", "add", "VXI0::3"}, &output), 2);
+    EXPECT_NE(output.find("no device list yet"), std::string::npos) << output;
+    ASSERT_EQ(run({"setup", "INTF5"}, &output), 0) << output;
+    ASSERT_EQ(run({"devices", "INTF5", "add", "TCPIP0::host::5025::SOCKET", "--class", "SOCKET"}, &output), 0);
+    ASSERT_EQ(run({"devices", "INTF5"}, &output), 0);
+    EXPECT_EQ(output,
+              "TCPIP0::host::5025::SOCKET\n"
+              "  TCPIP0::host::5025::SOCKET::SOCKET\n"
+              "    Driver = \"INSTR\"\n"
+              "    Prefix = \"SOCKET\"\n");
+    ASSERT_EQ(run({"devices", "INTF5", "clear"}, &output), 0);
+    ASSERT_EQ(run({"devices", "INTF5"}, &output), 0);
+    EXPECT_EQ(output, "No device entries on INTF5 (TCPIP0).\n");
+    EXPECT_EQ(run({"devices", "INTF9"}, &output), 2);
+
+    ASSERT_EQ(run({"aliases", "set", "Scope1", "--resource", "TCPIP0::scope::INSTR", "--korl-address", "gpib0,3"}),
+              0);
+    ASSERT_EQ(run({"aliases", "set", "Dmm", "--resource", "TCPIP0::dmm::INSTR"}), 0);
+    ASSERT_EQ(run({"aliases", "set", "SCOPE1", "--resource", "TCPIP0::scope2::INSTR"}), 0);
+    ASSERT_EQ(run({"aliases", "remove", "dmm"}), 0);
+    EXPECT_EQ(run({"aliases", "remove", "dmm"}, &output), 2);
+    ASSERT_EQ(run({"aliases"}, &output), 0);
+    EXPECT_NE(output.find("SCOPE1               TCPIP0::scope2::INSTR                    gpib0,3\n"),
+              std::string::npos)
+        << output;
+    EXPECT_EQ(output.find("Dmm"), std::string::npos) << output;
+}
+
+}  // namespace
