@@ -1,12 +1,10 @@
 // .reg writing: the exact text of each value form, the 77-column hex wrap,
-// the file frame in both encodings, and that whatever is written reads
-// back as the same value.
+// and that whatever is written reads back as the same value.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "platform/regfile/cp1252.h"
 #include "platform/regfile/reg_parser.h"
 #include "platform/regfile/reg_writer.h"
 
@@ -95,30 +93,6 @@ TEST(RegWriter, WrapsTextTypesAsWindowsExportsThem) {
     EXPECT_EQ(text,
               "\"ProgramFilesPath\"=hex(2):25,00,50,00,72,00,6f,00,67,00,72,00,61,00,6d,00,46,\\\r\n"
               "  00,69,00,6c,00,65,00,73,00,25,00,00,00");
-}
-
-TEST(RegWriter, FramesTheFileForEachEncoding) {
-    const std::string body =
-        "Windows Registry Editor Version 5.00|"
-        "|[HKEY_LOCAL_MACHINE]|"
-        "|[HKEY_LOCAL_MACHINE\\A\xE9]|\"n\"=hex:00,01,02,03,04,05,06,07,08,09,0a,0b,0c,0d,0e,0f,10,11,12,13,14,15,16,\\|"
-        "  17|@=\"\x80\"||";
-    auto withLineEnds = [&](const std::string& lineEnd) {
-        std::string text;
-        for (const char c : body) text += c == '|' ? lineEnd : std::string(1, c);
-        return text;
-    };
-    for (const RegTextEncoding encoding : {RegTextEncoding::Utf16, RegTextEncoding::Utf8}) {
-        RegWriter writer(encoding);
-        writer.key("");
-        writer.key("A\xE9");
-        writer.value("n", kRegBinary, bytesUpTo(24));
-        writer.value("", kRegSz, "\x80\0"s);
-        const std::string expected = encoding == RegTextEncoding::Utf16
-                                         ? "\xFF\xFE" + cp1252ToUtf16Le(withLineEnds("\r\n"))
-                                         : cp1252ToUtf8(withLineEnds("\n"));
-        EXPECT_EQ(writer.finish(), expected);
-    }
 }
 
 TEST(RegWriter, WhatIsWrittenReadsBackUnchanged) {

@@ -1,5 +1,7 @@
 #include "platform/regfile/reg_parser.h"
 
+#include <algorithm>
+
 #include "platform/regfile/line_cursor.h"
 #include "platform/regfile/reg_decode.h"
 #include "platform/regfile/reg_grammar.h"
@@ -164,7 +166,8 @@ bool RegParser::parseValueLine(LineCursor& cursor) {
     RegOp op;
     op.line = lineNumber();
     op.keyPath = *currentKey_;
-    if (cursor.next() == '"' && !parseQuoted(cursor, op.name, "value name")) return false;
+    const bool named = cursor.next() == '"';  // otherwise "@", the default value
+    if (named && !parseQuoted(cursor, op.name, "value name")) return false;
     if (op.name.size() > kMaxValueNameLength)
         return fail("the value name is longer than " + std::to_string(kMaxValueNameLength) + " characters");
     cursor.skipBlanks();
