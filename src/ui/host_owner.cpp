@@ -25,11 +25,12 @@ private:
     QPointer<QWindow> host_;
 };
 
+}  // namespace
+
 bool displayAvailable() {
 #if defined(_WIN32) || defined(__APPLE__)
     return true;
 #else
-    // Without any of these, QApplication would abort the whole host.
     for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
         const char* value = std::getenv(name);
         if (value != nullptr && *value != '\0') return true;
@@ -37,8 +38,6 @@ bool displayAvailable() {
     return false;
 #endif
 }
-
-}  // namespace
 
 bool ensureApplication() {
     if (QCoreApplication::instance() != nullptr) return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;

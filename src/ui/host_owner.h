@@ -8,6 +8,10 @@ class QWindow;
 
 namespace braxcfg::ui {
 
+// True when windows can be shown: a Qt platform is named, or a display is
+// there to connect to. Without one, creating a QApplication would abort.
+bool displayAvailable();
+
 // Makes sure the process has a QApplication before a dialog opens. A host
 // built on Qt Widgets already has one and it is used as it is; otherwise
 // one is created here and kept for the rest of the process (hosts may hold

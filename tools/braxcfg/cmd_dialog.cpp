@@ -1,5 +1,6 @@
 // dialog new-device | choice | ready: opens one dialog by itself, for a
 // person to try or, with --screenshot, to save its picture.
+#include <QApplication>
 #include <QDialog>
 #include <cstdlib>
 #include <iostream>
@@ -97,7 +98,12 @@ int runDialog(const Args& args) {
 
     // A picture needs no display.
     if (!screenshot.empty() && std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    if (!ui::ensureApplication()) return fail("no display to show the dialog on; set DISPLAY or use --screenshot FILE");
+    if (!ui::displayAvailable()) return fail("no display to show the dialog on; set DISPLAY or use --screenshot FILE");
+    // The tool is the host here: its application lives for this command.
+    int argc = 1;
+    char name[] = "braxcfg";
+    char* argv[] = {name, nullptr};
+    QApplication application(argc, argv);
 
     if (!screenshot.empty()) {
         const ScreenshotInstead instead(screenshot);
