@@ -1,11 +1,10 @@
 // Renaming the entries of an interface whose VISA name changed: every
 // device entry (with its INSTR resource entry) carries the old name.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <string>
 
+#include "bench_store.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
@@ -13,29 +12,7 @@
 namespace {
 
 using namespace braxcfg;
-
-class BenchStore {
-public:
-    BenchStore() {
-        path_ = (std::filesystem::temp_directory_path() /
-                 ("braxcfg-bench-rename-" + std::to_string(::getpid()) + ".db"))
-                    .string();
-        removeFiles();
-        platform::openStore(path_);
-    }
-    ~BenchStore() {
-        platform::closeStore();
-        removeFiles();
-    }
-    BenchStore(const BenchStore&) = delete;
-    BenchStore& operator=(const BenchStore&) = delete;
-
-private:
-    void removeFiles() const {
-        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-    }
-    std::string path_;
-};
+using bench::BenchStore;
 
 // INTF0, now GPIB0, with `count` devices still named after GPIB1.
 void putStaleInterface(int count) {
@@ -57,7 +34,7 @@ void putStaleInterface(int count) {
 }
 
 void BM_RenameStaleEntries(benchmark::State& state) {
-    BenchStore bench;
+    const BenchStore bench("rename");
     const store::ConfigStore store;
     const int count = static_cast<int>(state.range(0));
     putStaleInterface(count);
@@ -78,7 +55,7 @@ BENCHMARK(BM_RenameStaleEntries)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmar
 
 // The steady state at the end of every pass: nothing to rename.
 void BM_RenameNothingStale(benchmark::State& state) {
-    BenchStore bench;
+    const BenchStore bench("rename");
     const store::ConfigStore store;
     putStaleInterface(static_cast<int>(state.range(0)));
     store.RenameIntfEntries("INTF0");

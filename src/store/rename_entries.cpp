@@ -66,6 +66,15 @@ void forEachValue(const Registry& key, Fn fn) {
     }
 }
 
+// Most entries have nothing left below them once their subkeys are renamed:
+// deleting the key alone spares the walk through its (empty) subkey list.
+platform::RegResult deleteEntry(const Registry& parent, const std::string& entry) {
+    if (parent.isOpen() &&
+        platform::currentStore().deleteKey(parent.handle(), entry.c_str()) == platform::kErrorSuccess)
+        return platform::kErrorSuccess;
+    return parent.deleteTree(entry);
+}
+
 // A renamed entry keeps its strings, flags and numbers; values of other
 // types are not the run time's and are left behind.
 void copyValuesByType(const Registry& from, const Registry& to) {
@@ -152,7 +161,7 @@ private:
                 copyValuesByType(from, to);
                 repair(from, to, false);
             }
-            if (source.deleteTree(entry) != platform::kErrorSuccess) {
+            if (deleteEntry(source, entry) != platform::kErrorSuccess) {
                 result.stoppedAt = entry;
                 return result;
             }
