@@ -8,14 +8,16 @@
 
 namespace braxcfg::rsrc {
 
-// Process-wide: counts allocations made through allocateChars and, when
-// armed, makes the n-th one from the arming (1-based) fail once.
+// Process-wide: while armed, counts allocations made through
+// allocateChars and makes the n-th one from the arming (1-based) fail.
 class AllocationFaults {
 public:
+    // Counts without ever failing.
+    static constexpr std::uint64_t kNever = UINT64_MAX;
     // Arms the hook so that the n-th allocation from now fails; 0 disarms.
     static void failAt(std::uint64_t n);
     static void disarm() { failAt(0); }
-    // Allocations made since the last failAt/disarm (failed ones included).
+    // Allocations made since the hook was last armed (the failed one included).
     static std::uint64_t allocationsSinceArmed();
 };
 

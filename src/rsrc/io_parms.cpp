@@ -2,7 +2,6 @@
 
 #include "rsrc/allocation.h"
 #include "rsrc/c_text.h"
-#include "rsrc/resource_rules.h"
 
 namespace braxcfg::rsrc {
 
@@ -28,11 +27,10 @@ void IoParms::clear() {
     altName_.reset();
     intfTypeStr_.reset();
     rsrcClassStr_.reset();
+    intfType_ = 0;
     count_ = 0;
     lastError_ = visa::VI_ERROR_INV_RSRC_NAME;
 }
-
-visa::ViUInt16 IoParms::getIntfType() const { return interfaceTypeOf(intfTypeStr_.text.get()); }
 
 const char* IoParms::getRsrcClassStr() const { return getParam(count_ - 1); }
 

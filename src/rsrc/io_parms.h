@@ -44,7 +44,7 @@ public:
     int getCount() const { return count_; }
     int getParamCount() const { return count_ - 2; }
     // The interface type number of intfTypeStr; 0 when unknown or unparsed.
-    visa::ViUInt16 getIntfType() const;
+    visa::ViUInt16 getIntfType() const { return intfType_; }
     // The last element (the class); null when there is no element.
     const char* getRsrcClassStr() const;
     // Element i (0 is the interface element), null when i is out of range.
@@ -109,6 +109,7 @@ private:
     OwnedText altName_;
     OwnedText intfTypeStr_;
     OwnedText rsrcClassStr_;
+    visa::ViUInt16 intfType_ = 0;  // of intfTypeStr, kept so the name builders need not look it up
     std::uint32_t boardNumber_ = 0;
     char intfName_[kIntfNameSize] = {};
 };

@@ -106,11 +106,13 @@ bool IoParms::nameInterface(const char* input, Outcome& outcome) {
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfTypeStr", input));
         std::memcpy(intfTypeStr_.text.get(), first, typeLength);
         intfTypeStr_.text[typeLength] = '\0';
+        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
     } else {
         // A bare type word names board 0: "GPIB" is GPIB0.
         const std::size_t typeLength = std::strlen(first);
         intfTypeStr_ = std::move(elements_[0]);
         elements_[0].size = 0;
+        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
         if (!elements_[0].allocate(typeLength + 2))
             return outcome.failLogged(
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfName", input));
@@ -138,7 +140,7 @@ bool IoParms::settleResourceClass(const char* input, Outcome& outcome) {
     if (count_ > 1) {
         ctext::copyBounded(rsrcClass, elements_[count_ - 1].text.get(), kClassBufferSize - 1);
         upperCaseN(rsrcClass, kClassBufferSize);
-        missing = !isResourceClass(rsrcClass);
+        missing = resourceClassOf(rsrcClass) == RsrcClass::None;
     }
     // Four USB elements are read as vendor, product and serial number: a
     // serial number may well read "INSTR".
@@ -167,7 +169,7 @@ ViStatus IoParms::parse(char* rsrc, bool logErrors) {
 
     Outcome outcome;
     if (splitElements(input, outcome) && nameInterface(input, outcome) && settleResourceClass(input, outcome) &&
-        !isAllowedParamCount(classText(), getIntfType(), getParamCount()))
+        !isAllowedParamCount(resourceClassOf(classText()), getIntfType(), getParamCount()))
         outcome.fail(VI_ERROR_INV_RSRC_NAME);
 
     // The canonical form is the final judge, also after a failure: without

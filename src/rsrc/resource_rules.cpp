@@ -18,8 +18,16 @@ constexpr InterfaceTypeWord kInterfaceTypes[] = {
     {"PXI", VI_INTF_PXI},   {"TCPIP", VI_INTF_TCPIP}, {"USB", VI_INTF_USB},           {"RSIB", VI_INTF_RSIB},
 };
 
+struct ResourceClassWord {
+    const char* word;
+    RsrcClass rsrcClass;
+};
+
 // In the order the class words are looked up.
-constexpr const char* kResourceClasses[] = {"INSTR", "MEMACC", "INTFC", "BACKPLANE", "SOCKET", "SERVANT"};
+constexpr ResourceClassWord kResourceClasses[] = {
+    {"INSTR", RsrcClass::Instr},         {"MEMACC", RsrcClass::Memacc}, {"INTFC", RsrcClass::Intfc},
+    {"BACKPLANE", RsrcClass::Backplane}, {"SOCKET", RsrcClass::Socket}, {"SERVANT", RsrcClass::Servant},
+};
 
 // Allowed parameter counts as a bit set: bit p set means p parameters.
 constexpr unsigned counts(std::initializer_list<int> allowed) {
@@ -29,23 +37,23 @@ constexpr unsigned counts(std::initializer_list<int> allowed) {
 }
 
 struct ClassRule {
-    const char* rsrcClass;
+    RsrcClass rsrcClass;
     ViUInt16 type;
     unsigned allowedCounts;
 };
 
 constexpr ClassRule kClassRules[] = {
-    {"INSTR", VI_INTF_GPIB, counts({1, 2})},    {"INSTR", VI_INTF_VXI, counts({1})},
-    {"INSTR", VI_INTF_GPIB_VXI, counts({1})},   {"INSTR", VI_INTF_ASRL, counts({0})},
-    {"INSTR", VI_INTF_PXI, counts({1, 2, 3})},  {"INSTR", VI_INTF_TCPIP, counts({1, 2})},
-    {"INSTR", VI_INTF_USB, counts({3, 4})},     {"INSTR", VI_INTF_RSIB, counts({1, 2})},
-    {"MEMACC", VI_INTF_VXI, counts({0})},       {"MEMACC", VI_INTF_GPIB_VXI, counts({0})},
-    {"MEMACC", VI_INTF_PXI, counts({0})},       {"INTFC", VI_INTF_GPIB, counts({0})},
-    {"INTFC", VI_INTF_TCPIP, counts({0, 2})},   {"INTFC", VI_INTF_RSIB, counts({0, 2})},
-    {"BACKPLANE", VI_INTF_VXI, counts({0, 1})}, {"BACKPLANE", VI_INTF_GPIB_VXI, counts({0, 1})},
-    {"BACKPLANE", VI_INTF_PXI, counts({1})},    {"SOCKET", VI_INTF_TCPIP, counts({2})},
-    {"SERVANT", VI_INTF_GPIB, counts({0})},     {"SERVANT", VI_INTF_VXI, counts({0})},
-    {"SERVANT", VI_INTF_TCPIP, counts({0, 1})},
+    {RsrcClass::Instr, VI_INTF_GPIB, counts({1, 2})},    {RsrcClass::Instr, VI_INTF_VXI, counts({1})},
+    {RsrcClass::Instr, VI_INTF_GPIB_VXI, counts({1})},   {RsrcClass::Instr, VI_INTF_ASRL, counts({0})},
+    {RsrcClass::Instr, VI_INTF_PXI, counts({1, 2, 3})},  {RsrcClass::Instr, VI_INTF_TCPIP, counts({1, 2})},
+    {RsrcClass::Instr, VI_INTF_USB, counts({3, 4})},     {RsrcClass::Instr, VI_INTF_RSIB, counts({1, 2})},
+    {RsrcClass::Memacc, VI_INTF_VXI, counts({0})},       {RsrcClass::Memacc, VI_INTF_GPIB_VXI, counts({0})},
+    {RsrcClass::Memacc, VI_INTF_PXI, counts({0})},       {RsrcClass::Intfc, VI_INTF_GPIB, counts({0})},
+    {RsrcClass::Intfc, VI_INTF_TCPIP, counts({0, 2})},   {RsrcClass::Intfc, VI_INTF_RSIB, counts({0, 2})},
+    {RsrcClass::Backplane, VI_INTF_VXI, counts({0, 1})}, {RsrcClass::Backplane, VI_INTF_GPIB_VXI, counts({0, 1})},
+    {RsrcClass::Backplane, VI_INTF_PXI, counts({1})},    {RsrcClass::Socket, VI_INTF_TCPIP, counts({2})},
+    {RsrcClass::Servant, VI_INTF_GPIB, counts({0})},     {RsrcClass::Servant, VI_INTF_VXI, counts({0})},
+    {RsrcClass::Servant, VI_INTF_TCPIP, counts({0, 1})},
 };
 
 }  // namespace
@@ -53,21 +61,21 @@ constexpr ClassRule kClassRules[] = {
 ViUInt16 interfaceTypeOf(const char* typeWord) {
     if (typeWord == nullptr) return 0;
     for (const auto& entry : kInterfaceTypes)
-        if (std::strcmp(typeWord, entry.word) == 0) return entry.type;
+        if (typeWord[0] == entry.word[0] && std::strcmp(typeWord, entry.word) == 0) return entry.type;
     return 0;
 }
 
-bool isResourceClass(const char* word) {
-    for (const char* rsrcClass : kResourceClasses)
-        if (std::strcmp(word, rsrcClass) == 0) return true;
-    return false;
+RsrcClass resourceClassOf(const char* word) {
+    if (word == nullptr) return RsrcClass::None;
+    for (const auto& entry : kResourceClasses)
+        if (word[0] == entry.word[0] && std::strcmp(word, entry.word) == 0) return entry.rsrcClass;
+    return RsrcClass::None;
 }
 
-bool isAllowedParamCount(const char* rsrcClass, ViUInt16 intfType, int paramCount) {
+bool isAllowedParamCount(RsrcClass rsrcClass, ViUInt16 intfType, int paramCount) {
     if (paramCount < 0 || paramCount > 8) return false;
     for (const auto& rule : kClassRules)
-        if (rule.type == intfType && std::strcmp(rule.rsrcClass, rsrcClass) == 0)
-            return (rule.allowedCounts >> paramCount) & 1u;
+        if (rule.type == intfType && rule.rsrcClass == rsrcClass) return (rule.allowedCounts >> paramCount) & 1u;
     return false;
 }
 

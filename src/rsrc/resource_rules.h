@@ -10,12 +10,14 @@ namespace braxcfg::rsrc {
 // compared exactly; 0 for any other word or for null.
 visa::ViUInt16 interfaceTypeOf(const char* typeWord);
 
-// True when `word` is one of the resource class words, exactly as written
-// (upper case).
-bool isResourceClass(const char* word);
+enum class RsrcClass { None, Instr, Memacc, Intfc, Backplane, Socket, Servant };
+
+// The resource class `word` names, exactly as written (upper case); None
+// for any other word or for null.
+RsrcClass resourceClassOf(const char* word);
 
 // Whether `paramCount` parameters are allowed for class `rsrcClass` on an
 // interface of type `intfType`.
-bool isAllowedParamCount(const char* rsrcClass, visa::ViUInt16 intfType, int paramCount);
+bool isAllowedParamCount(RsrcClass rsrcClass, visa::ViUInt16 intfType, int paramCount);
 
 }  // namespace braxcfg::rsrc

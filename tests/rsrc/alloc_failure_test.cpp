@@ -64,24 +64,6 @@ TEST(IoParmsAllocation, EachFailingAllocationLogsItsOwnLine) {
     }
 }
 
-TEST(IoParmsAllocation, FailingNameBuffersLeaveTheCallersBufferEmpty) {
-    const test::TempStore store;
-    std::vector<char> buffer = test::writable("USB0::0x1234::0x5678::SN42::INSTR");
-    IoParms parms;
-    ASSERT_EQ(parms.parse(buffer.data(), false), visa::VI_SUCCESS);
-    {
-        const ScopedAllocationFault fault(1);
-        EXPECT_EQ(parms.getAltName(nullptr, 0), nullptr);
-    }
-    {
-        const ScopedAllocationFault fault(1);
-        char out[64] = "stale";
-        EXPECT_EQ(parms.getAltName(out, sizeof out), out);
-        EXPECT_STREQ(out, "");
-    }
-    EXPECT_STREQ(parms.getAltName(nullptr, 0), "USB0::4660::22136::SN42::0::INSTR");
-}
-
 // Every allocation a parse and both names make, failed in turn: never a
 // crash or leak, only ALLOC or INV_RSRC_NAME, and the record parses
 // normally once memory is back.
@@ -98,10 +80,11 @@ TEST(IoParmsAllocation, EveryAllocationOfRealisticStringsMayFail) {
     for (const char* input : inputs) {
         IoParms reference;
         std::vector<char> clean = test::writable(input);
-        AllocationFaults::disarm();
+        AllocationFaults::failAt(AllocationFaults::kNever);
         const ViStatus expected = reference.parse(clean.data(), false);
         reference.getAltName(nullptr, 0);
         const std::uint64_t allocations = AllocationFaults::allocationsSinceArmed();
+        AllocationFaults::disarm();
         ASSERT_GT(allocations, 2u) << input;
         for (std::uint64_t n = 1; n <= allocations; ++n) {
             SCOPED_TRACE(std::string(input) + " failing allocation " + std::to_string(n));

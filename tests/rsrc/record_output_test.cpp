@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "rsrc/allocation.h"
 #include "rsrc/io_parms.h"
 #include "rsrc_test_support.h"
 
@@ -52,6 +53,13 @@ TEST(IoParmsCopyOut, BufferRulesOfTheCanonicalAndAlternateNames) {
         EXPECT_STREQ(buffer, c.expected);
     }
     EXPECT_EQ(parms.getCanonicalName(nullptr, 64), own);
+    {
+        // An alternate name that cannot be allocated still empties the buffer.
+        const ScopedAllocationFault fault(1);
+        char alternate[16] = "untouched";
+        EXPECT_EQ(parms.getAltName(alternate, sizeof alternate), alternate);
+        EXPECT_STREQ(alternate, "");
+    }
     char alternate[16] = "untouched";
     EXPECT_EQ(parms.getAltName(alternate, sizeof alternate), alternate);
     EXPECT_STREQ(alternate, "");
@@ -71,16 +79,6 @@ TEST(IoParmsPxi, ChassisWritingAlwaysGoesIntoTheCanonicalName) {
     parms.buildPxiLegacyName(target, 1024);
     EXPECT_STREQ(target, "untouched");
     EXPECT_STREQ(parms.getCanonicalName(nullptr, 0), "PXI0::CHASSIS1::SLOT5::FUNC0::INSTR");
-}
-
-TEST(UpperCaseN, StopsAtTheCountOrTheTerminator) {
-    char text[] = "ab\0cd";
-    EXPECT_EQ(upperCaseN(text, 10), text);
-    EXPECT_EQ(std::memcmp(text, "AB\0cd", sizeof text), 0);
-    char partly[] = "abcdef";
-    EXPECT_STREQ(upperCaseN(partly, 3), "ABCdef");
-    char mixed[] = "x-1.y";
-    EXPECT_STREQ(upperCaseN(mixed, 256), "X-1.Y");
 }
 
 TEST(IoParmsDump, PrintsEveryFieldInItsFixedFormat) {
@@ -129,14 +127,6 @@ TEST(IoParmsDump, UnparsedRecordPrintsNullFieldsAndNoElements) {
                                    "   exportEnabled = 0\n"
                                    "   pCount        = -2\n"
                                    "\n");
-}
-
-TEST(IoParmsDump, InterfaceTypePrintsUnsigned) {
-    const test::TempStore store;
-    std::vector<char> input = test::writable("RSIB0::host::INSTR");
-    IoParms parms;
-    parms.parse(input.data(), false);
-    EXPECT_NE(dumpText(parms).find("\n   intfType      = 32782\n"), std::string::npos);
 }
 
 }  // namespace

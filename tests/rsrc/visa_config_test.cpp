@@ -109,11 +109,5 @@ TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
     expectAnswers({{"TCPIP0::host::INSTR", "", false}});
 }
 
-TEST(VisaConfig, NullBufferIsReturnedAsIs) {
-    const test::TempStore store;
-    IoParms parms;
-    EXPECT_EQ(parms.getKorlIntfName(nullptr, 256), nullptr);
-}
-
 }  // namespace
 }  // namespace braxcfg::rsrc
