@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QFontMetricsF>
+#include <QImage>
 #include <QListView>
 #include <QTest>
+
+#include "dialog_test_support.h"
+#include "ui/list_box_tabs.h"
 
 namespace braxcfg::ui {
 namespace {
@@ -129,6 +134,43 @@ TEST(ListBoxModel, ViewShowsItemsAndSharesTheSelection) {
     EXPECT_EQ(model.selItems(256), (std::vector<int>{0, 2}));
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, rowCentre(1));
     EXPECT_EQ(model.selItems(256), (std::vector<int>{1}));
+}
+
+// Where the last piece of ink in a row of pixels starts: the column after
+// the TAB, for the items below.
+int lastInkStart(const QImage& image, const QRect& row) {
+    const auto inked = [&](int x) {
+        for (int y = row.top(); y <= row.bottom(); ++y)
+            if (qGray(image.pixel(x, y)) < 128) return true;
+        return false;
+    };
+    int x = row.right();
+    while (x > row.left() && !inked(x)) --x;
+    while (x > row.left() && inked(x - 1)) --x;
+    return x;
+}
+
+TEST(ListBoxTabs, TextAfterTheTabLinesUpAtTheStop) {
+    ListBoxModel model;
+    fill(model, {"a\tI", "abcdefghij\tI", "\tI"});
+    QListView view;
+    view.resize(400, 120);
+    model.attach(view);
+    setListBoxTabStop(view, 52);
+    view.show();
+    const QImage image = view.viewport()->grab().toImage();
+    // 52 dialog units: 13 average characters.
+    const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const qreal stop = QFontMetricsF(view.font()).horizontalAdvance(letters) / letters.size() * 13;
+    std::vector<int> starts;
+    for (int row = 0; row < model.count(); ++row)
+        starts.push_back(lastInkStart(image, view.visualRect(model.index(row))));
+    EXPECT_EQ(starts[1], starts[0]);
+    EXPECT_EQ(starts[2], starts[0]);
+    EXPECT_GE(starts[0], static_cast<int>(stop));
+    EXPECT_LT(starts[0], static_cast<int>(stop) + 12);  // the stop plus the item's margin
+    model.setSel(1, true);
+    test::screenshot(view, "list_box_tabs");
 }
 
 }  // namespace

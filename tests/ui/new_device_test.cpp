@@ -144,22 +144,16 @@ TEST(CEntryError, KeepsAHintTheCallerGave) {
     EXPECT_EQ(error.doModal(), kIdOk);
 }
 
-TEST(CNewDevice, CancelAndEscapeEndWithCancel) {
-    const std::pair<const char*, std::function<void(CNewDevice&)>> cases[] = {
-        {"Cancel button", [](CNewDevice& dialog) { press(dialog, "Cancel"); }},
-        {"Escape", [](CNewDevice& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }},
-    };
-    for (const auto& [name, close] : cases) {
-        ModalScript script;
-        script.expect<CNewDevice>([&close = close](CNewDevice& dialog) {
-            QTest::keyClicks(field(dialog, "addressEdit"), "024");
-            close(dialog);
-        });
-        CNewDevice dialog(nullptr);
-        dialog.m_prefix = "GPIB0::";
-        EXPECT_EQ(dialog.doModal(), kIdCancel) << name;
-        EXPECT_TRUE(script.problems().empty()) << name;  // no entry error on the way out
-    }
+TEST(CNewDevice, CancelEndsWithoutCheckingTheAddress) {
+    ModalScript script;  // a CEntryError opening would be a problem
+    script.expect<CNewDevice>([](CNewDevice& dialog) {
+        QTest::keyClicks(field(dialog, "addressEdit"), "024");
+        press(dialog, "Cancel");
+    });
+    CNewDevice dialog(nullptr);
+    dialog.m_prefix = "GPIB0::";
+    EXPECT_EQ(dialog.doModal(), kIdCancel);
+    EXPECT_TRUE(script.problems().empty());
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include "dialog_test_support.h"
 #include "ui/host_owner.h"
 #include "ui/message_box.h"
-#include "ui/modal.h"
 #include "ui/modal_dialog.h"
 #include "ui/modal_script.h"
 
@@ -82,21 +81,6 @@ TEST(ModalScript, ReportsEveryRunThatLeavesTheScript) {
     ModalScript unused;
     unused.expectClass("braxcfg::dialogs::CNewDevice", [](QDialog&) {});
     EXPECT_EQ(unused.problems(), std::vector<std::string>{"braxcfg::dialogs::CNewDevice was expected but never opened"});
-}
-
-TEST(ModalScript, RestoresTheHandlerItReplaced) {
-    int outerRuns = 0;
-    const ModalHandler before = setModalHandler([&](QDialog&) { return ++outerRuns, kIdOk; });
-    {
-        ModalScript script;
-        script.expect<OuterDialog>([](OuterDialog& dialog) { press(dialog, "OK"); });
-        OuterDialog dialog;
-        dialog.doModal();
-    }
-    OuterDialog dialog;
-    EXPECT_EQ(dialog.doModal(), kIdOk);
-    EXPECT_EQ(outerRuns, 1);
-    setModalHandler(before);
 }
 
 TEST(MessageBoxCapture, RecordsAnswersAndNests) {
