@@ -3,14 +3,27 @@
 #include <utility>
 
 #include "ui/dialog_ids.h"
+#include "ui/message_box.h"
 
 namespace braxcfg::ui {
 
 ModalScript::ModalScript() {
     previous_ = setModalHandler([this](QDialog& dialog) { return run(dialog); });
+    MessageBoxHandler boxes = setMessageBoxHandler({});
+    guardsMessageBoxes_ = !boxes;
+    if (guardsMessageBoxes_) {
+        boxes = [this](const MessageBoxRequest& request) {
+            problems_.push_back("message box \"" + request.text + "\" shown with no MessageBoxCapture");
+            return kIdOk;
+        };
+    }
+    setMessageBoxHandler(std::move(boxes));
 }
 
-ModalScript::~ModalScript() { setModalHandler(std::move(previous_)); }
+ModalScript::~ModalScript() {
+    setModalHandler(std::move(previous_));
+    if (guardsMessageBoxes_) setMessageBoxHandler({});
+}
 
 ModalScript& ModalScript::expectClass(std::string className, std::function<void(QDialog&)> act) {
     steps_.push_back({std::move(className), std::move(act)});

@@ -17,6 +17,8 @@ namespace braxcfg::ui {
 class ModalScript {
 public:
     // Installs the script as the modal handler until it goes out of scope.
+    // A message box asked for while no MessageBoxCapture is installed would
+    // wait for a person: it is answered OK and counted as a problem.
     ModalScript();
     ~ModalScript();
     ModalScript(const ModalScript&) = delete;
@@ -52,6 +54,7 @@ private:
     std::vector<std::string> opened_;
     std::vector<std::string> problems_;
     ModalHandler previous_;
+    bool guardsMessageBoxes_ = false;
 };
 
 }  // namespace braxcfg::ui

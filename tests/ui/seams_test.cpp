@@ -78,9 +78,24 @@ TEST(ModalScript, ReportsEveryRunThatLeavesTheScript) {
         EXPECT_FALSE(dialog.isVisible()) << c.name;
         EXPECT_EQ(script.problems(), std::vector<std::string>{c.problem}) << c.name;
     }
-    ModalScript unused;
-    unused.expectClass("braxcfg::dialogs::CNewDevice", [](QDialog&) {});
-    EXPECT_EQ(unused.problems(), std::vector<std::string>{"braxcfg::dialogs::CNewDevice was expected but never opened"});
+    {
+        ModalScript unused;
+        unused.expectClass("braxcfg::dialogs::CNewDevice", [](QDialog&) {});
+        EXPECT_EQ(unused.problems(),
+                  std::vector<std::string>{"braxcfg::dialogs::CNewDevice was expected but never opened"});
+    }
+
+    // A box nobody captures would wait for a person; the script answers it.
+    ModalScript boxes;
+    boxes.expect<OuterDialog>([](OuterDialog& dialog) {
+        messageBox(&dialog, "GPIB0::24 is a duplicate device name.", "", MessageIcon::None);
+        press(dialog, "OK");
+    });
+    OuterDialog dialog;
+    EXPECT_EQ(dialog.doModal(), kIdOk);
+    EXPECT_EQ(boxes.problems(),
+              std::vector<std::string>{"message box \"GPIB0::24 is a duplicate device name.\" shown with no "
+                                       "MessageBoxCapture"});
 }
 
 TEST(MessageBoxCapture, RecordsAnswersAndNests) {
