@@ -1,5 +1,6 @@
 // What IoParms learns from the VISA configuration, and its printed form.
 #include <cstdint>
+#include <exception>
 
 #include "rsrc/io_parms.h"
 #include "visacore/config/use_registry.h"
@@ -22,19 +23,27 @@ void printQuotedOrNull(std::FILE* out, const char* label, const char* text) {
 
 }  // namespace
 
+// The configuration objects read the store through strings of their own;
+// running out of memory there reads as "no name" and "not exported".
 char* IoParms::getKorlIntfName(char* buf, int /*size*/) {
     if (buf == nullptr) return buf;
-    const visa::VisaIntfConfig config = visa::openVisaIntfConfig(intfName_);
-    if (config.intf == nullptr) {
+    buf[0] = '\0';
+    try {
+        const visa::VisaIntfConfig config = visa::openVisaIntfConfig(intfName_);
+        if (config.intf != nullptr) config.intf->getKorlIntfName(buf);
+    } catch (const std::exception&) {
         buf[0] = '\0';
-        return buf;
     }
-    return config.intf->getKorlIntfName(buf);
+    return buf;
 }
 
 bool IoParms::isExportEnabled() {
-    const visa::VisaIntfConfig config = visa::openVisaIntfConfig(intfName_);
-    return config.intf != nullptr && (config.intf->isExportEnabled() & 0xFFFFu) != 0;
+    try {
+        const visa::VisaIntfConfig config = visa::openVisaIntfConfig(intfName_);
+        return config.intf != nullptr && (config.intf->isExportEnabled() & 0xFFFFu) != 0;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 void IoParms::dump() { dump(stdout); }

@@ -25,7 +25,6 @@ constexpr ViStatus kInv = VI_ERROR_INV_RSRC_NAME;
 constexpr PxiNaming kLegacy = PxiNaming::Legacy;
 constexpr PxiNaming kBdf = PxiNaming::BusDeviceFunction;
 
-const std::string kHost300(300, 'h');
 const std::string kHost1100(1100, 'h');
 const std::string kZeros260(260, '0');
 const std::string kLongIntf = "TCPIP" + std::string(250, '0');
@@ -59,7 +58,6 @@ const std::vector<ParseCase> kParseCases = {
     {"GPIB0::07::INSTR", kOk, "GPIB0|07|INSTR", "GPIB0::7::INSTR"},
     {"GPIB0::0x7::INSTR", kOk, "GPIB0|0x7|INSTR", "GPIB0::7::INSTR"},
     {"GPIB0::-2::INSTR", kOk, "GPIB0|-2|INSTR", "GPIB0::-2::INSTR"},
-    {"GPIB0::10::8", kOk, "GPIB0|10|8|INSTR", "GPIB0::10::8::INSTR"},
     {"GPIB::INTFC", kOk, "GPIB0|INTFC", "GPIB0::INTFC"},
     {"GPIB0::servant", kOk, "GPIB0|SERVANT", "GPIB0::SERVANT"},
     {"GPIB0", kInv, "GPIB0|INSTR"},
@@ -129,7 +127,6 @@ const std::vector<ParseCase> kParseCases = {
     {"   ", kInv, ""},
     {"  GPIB0::7::INSTR  ", kOk, "GPIB0|7|INSTR", "GPIB0::7::INSTR"},
     {"gpib0::::INSTR", kInv, "gpib0"},
-    {"::GPIB0", kInv, ""},
     {"GPIB0::7::", kInv, "GPIB0|7"},
     {"GPIB0:::7", kInv, "GPIB0|:7|INSTR"},
     {"GPIB0::1::2::3::4::5::6::7::8", kInv, "GPIB0|1|2|3|4|5|6|7|8|INSTR"},
@@ -139,8 +136,6 @@ const std::vector<ParseCase> kParseCases = {
     {"TCPIP0::host::50%d%s", kOk, "TCPIP0|host|50%d%s|INSTR", "TCPIP0::host::50%d%s::INSTR"},
     {"TCPIP0::a%%b::INSTR", kOk, "TCPIP0|a%%b|INSTR", "TCPIP0::a%%b::inst0::INSTR"},
     // Long elements: names are cut, parameters are not
-    {"TCPIP0::" + kHost300 + "::INSTR", kOk, "TCPIP0|" + kHost300 + "|INSTR",
-     "TCPIP0::" + kHost300 + "::inst0::INSTR"},
     {"TCPIP" + kZeros260 + "::host::INSTR", kOk, "TCPIP" + kZeros260 + "|host|INSTR",
      kLongIntf + "::host::inst0::INSTR"},
     {"TCPIP0::" + kHost1100 + "::INSTR", kOk, "TCPIP0|" + kHost1100 + "|INSTR",

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <string>
 
-#include "platform/reg_types.h"
 #include "rsrc/io_parms.h"
 #include "rsrc_test_support.h"
 #include "visacore/config/reg_visa_config.h"
@@ -65,26 +64,6 @@ TEST(VisaConfig, HighestInterfaceNumberCountsExactPrefixOnly) {
     for (const char* key : {"INTF0", "INTF7", "INTF10", "INTFX", "INTF", "intf30", "INTF2abc"})
         test::putKey(underProduct(key));
     EXPECT_EQ(visa::RegVISAConfig().getMaxIntfNum(), 10);
-}
-
-TEST(VisaConfig, UseRegistryUnlessTheSettingSaysZero) {
-    const struct {
-        const char* label;
-        platform::RegType type;  // kRegNone: absent
-        std::string bytes;
-        visa::ViUInt16 expected;
-    } cases[] = {
-        {"absent", platform::kRegNone, "", 1},
-        {"dword 0", platform::kRegDword, std::string("\0\0\0\0", 4), 0},
-        {"text False", platform::kRegSz, std::string("False", 6), 0},
-        {"dword 0x10000", platform::kRegDword, std::string("\0\0\1\0", 4), 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        const test::TempStore store;
-        if (c.type != platform::kRegNone) test::putBytes(underProduct(), "UseRegistryVisaConfig", c.type, c.bytes);
-        EXPECT_EQ(visa::useRegistry(), c.expected);
-    }
 }
 
 TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
