@@ -40,7 +40,8 @@ bool displayAvailable() {
 }
 
 bool ensureApplication() {
-    if (QCoreApplication::instance() != nullptr) return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+    if (QCoreApplication::instance() != nullptr)
+        return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
     if (!displayAvailable()) return false;
     // QApplication keeps references to argc and argv: both must outlive it.
     static int argc = 1;

@@ -43,7 +43,8 @@ std::size_t sortedInsertPosition(const std::vector<std::string>& items, std::str
     return static_cast<std::size_t>(low);
 }
 
-ListBoxModel::ListBoxModel(bool sorted, QObject* parent) : QAbstractListModel(parent), sorted_(sorted), selection_(this) {}
+ListBoxModel::ListBoxModel(bool sorted, QObject* parent)
+    : QAbstractListModel(parent), sorted_(sorted), selection_(this) {}
 
 ListBoxModel::~ListBoxModel() = default;
 

@@ -28,9 +28,8 @@ public:
     // is shown and is expected to end it (press OK, Cancel, Escape...).
     template <typename Dialog>
     ModalScript& expect(std::function<void(Dialog&)> act) {
-        return expectClass(Dialog::staticMetaObject.className(), [act = std::move(act)](QDialog& dialog) {
-            act(*qobject_cast<Dialog*>(&dialog));
-        });
+        return expectClass(Dialog::staticMetaObject.className(),
+                           [act = std::move(act)](QDialog& dialog) { act(*qobject_cast<Dialog*>(&dialog)); });
     }
     // As above, by class name, for a step that needs only QDialog.
     ModalScript& expectClass(std::string className, std::function<void(QDialog&)> act);

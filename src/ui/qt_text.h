@@ -7,7 +7,9 @@
 
 namespace braxcfg::ui {
 
-inline QString toQString(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+inline QString toQString(const std::string& text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 inline std::string toStdString(const QString& text) { return text.toUtf8().toStdString(); }
 

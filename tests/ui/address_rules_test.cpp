@@ -35,7 +35,7 @@ TEST(AddressRules, FirstFailingRuleDecides) {
         {"00", "Leading zeros (0) are not allowed in numbers."},
         {"24::08", "Leading zeros (0) are not allowed in numbers."},
         {"24::0:", "Leading zeros (0) are not allowed in numbers."},  // before the last-character rule
-        {"0::5", kAccepted},                                            // "0" then a colon is no leading zero
+        {"0::5", kAccepted},                                          // "0" then a colon is no leading zero
         {":05", "Leading zeros (0) are not allowed in numbers."},
         {"24::0::5", "Leading zeros (0) are not allowed in numbers."},  // a 0 secondary must come last
         {"1::2::05", "Leading zeros (0) are not allowed in numbers."},

@@ -38,8 +38,8 @@ TEST(CNewDevice, ComposesTheNameAndEnablesOkOnEveryEdit) {
         bool okEnabled;
     };
     const Edit edits[] = {
-        {"1", 0, "GPIB0::1", true},      {"0", 0, "GPIB0::10", true}, {"::", 0, "GPIB0::10::", true},
-        {"8", 0, "GPIB0::10::8", true},  {"", 4, "GPIB0::1", true},   {"", 1, "GPIB0::", false},
+        {"1", 0, "GPIB0::1", true},     {"0", 0, "GPIB0::10", true}, {"::", 0, "GPIB0::10::", true},
+        {"8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true},   {"", 1, "GPIB0::", false},
         {"x", 0, "GPIB0::x", true},  // composed as typed; the rules judge it only on OK
         {"", 1, "GPIB0::", false},
     };
@@ -127,8 +127,8 @@ TEST(CNewDevice, RefusedAddressShowsTheEntryErrorAndStaysOpen) {
         dialog.m_prefix = "GPIB1::";
         EXPECT_EQ(dialog.doModal(), kIdOk);
         EXPECT_EQ(dialog.m_deviceName, "GPIB1::24");
-        EXPECT_EQ(script.opened(), (std::vector<std::string>{"braxcfg::dialogs::CNewDevice",
-                                                             "braxcfg::dialogs::CEntryError"}));
+        EXPECT_EQ(script.opened(),
+                  (std::vector<std::string>{"braxcfg::dialogs::CNewDevice", "braxcfg::dialogs::CEntryError"}));
         EXPECT_TRUE(script.problems().empty()) << c.address;
     }
 }

@@ -64,8 +64,7 @@ TEST(ModalScript, ReportsEveryRunThatLeavesTheScript) {
     };
     const Case cases[] = {
         {"no step left", [](ModalScript&) {}, "braxcfg::ui::OuterDialog opened, but no step was left for it"},
-        {"other class",
-         [](ModalScript& s) { s.expectClass("braxcfg::dialogs::CEntryError", [](QDialog&) {}); },
+        {"other class", [](ModalScript& s) { s.expectClass("braxcfg::dialogs::CEntryError", [](QDialog&) {}); },
          "braxcfg::ui::OuterDialog opened where braxcfg::dialogs::CEntryError was expected"},
         {"left open", [](ModalScript& s) { s.expect<OuterDialog>([](OuterDialog&) {}); },
          "braxcfg::ui::OuterDialog was still open after its step"},

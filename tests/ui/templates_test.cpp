@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QPushButton>
-#include <functional>
-#include <memory>
 #include <algorithm>
 #include <cctype>
+#include <functional>
+#include <memory>
 #include <set>
 
 #include "dialog_test_support.h"
