@@ -127,20 +127,6 @@ TEST(AList, ACopyKeepsTheNodesAliveUntilTheLastHandleGoes) {
     EXPECT_EQ(items(copy), (std::vector<AliasEntry*>{a, b}));
 }
 
-TEST(AliasEntry, CopiesItsTextsAndKeepsAbsentOnesAbsent) {
-    std::string name = "Scope1";
-    AliasEntry entry(name, std::nullopt, Text("gpib0,5"));
-    name = "changed";
-    EXPECT_EQ(entry.name(), Text("Scope1"));
-    EXPECT_EQ(entry.loadedName(), Text("Scope1"));
-    EXPECT_EQ(entry.rsrcString(), std::nullopt);
-    EXPECT_EQ(entry.korlAddress(), Text("gpib0,5"));
-    entry.setName(Text("Meter"));
-    entry.setKorlAddress(std::nullopt);
-    EXPECT_EQ(entry.loadedName(), Text("Scope1"));
-    EXPECT_EQ(entry.korlAddress(), std::nullopt);
-}
-
 class AliasLists : public ::testing::Test {
 protected:
     void SetUp() override {

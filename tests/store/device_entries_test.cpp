@@ -124,15 +124,6 @@ TEST_F(DeviceEntries, AddNeedsTheDeviceListButNotTheTemplates) {
     EXPECT_TRUE(resourceNames("INTF0", "GPIB0::5").empty());
 }
 
-TEST_F(DeviceEntries, ListingFollowsTheStoreOrderAndEndsEmpty) {
-    putInterfaceWithDevices("INTF0", "GPIB0", "GPIB");
-    for (const char* device : {"GPIB0::9", "GPIB0::10", "gpib0::2"}) store_.AddDeviceEntry("INTF0", device, "");
-    EXPECT_EQ(deviceNames("INTF0"), (std::vector<std::string>{"GPIB0::10", "gpib0::2", "GPIB0::9"}));
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 3), "");
-    EXPECT_EQ(store_.GetDeviceName("INTF7", 0), "");
-    EXPECT_EQ(store_.GetDeviceRsrcName("INTF0", "GPIB0::77", 0), "");
-}
-
 TEST_F(DeviceEntries, ClearLeavesAnEmptyDeviceList) {
     putInterfaceWithDevices("INTF0", "GPIB0", "GPIB");
     store_.AddDeviceEntry("INTF0", "GPIB0::1", "");
