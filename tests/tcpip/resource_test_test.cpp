@@ -46,8 +46,6 @@ TEST(ResourceTestMessage, WordingCaptionAndIconFollowTheStatus) {
          0},
         {"timeout", visa::VI_ERROR_TMO, "", "The resource 'TCPIP0::scope1.lab::inst0::INSTR' was not found.",
          "Resource Not Found", MessageIcon::Stop, 0},
-        {"busy", visa::VI_ERROR_RSRC_BUSY, "", "The resource 'TCPIP0::scope1.lab::inst0::INSTR' was not found.",
-         "Resource Not Found", MessageIcon::Stop, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

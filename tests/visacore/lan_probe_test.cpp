@@ -56,7 +56,7 @@ struct Vxi11Case {
     const char* what;
     const char* device;
     PortmapScript::Reply portmap = PortmapScript::Reply::Port;
-    enum class Target { Core, Zero, Stale } target = Target::Core;
+    enum class Target { Core, Zero, Stale, NoPortmapper } target = Target::Core;
     ViStatus expected = VI_SUCCESS;
 };
 
@@ -74,6 +74,7 @@ TEST(LanProbe, Vxi11Outcomes) {
         {"unexpected create_link error", "odd0", Reply::Port, Target::Core, VI_ERROR_IO},
         {"program not registered (port 0)", "inst0", Reply::Port, Target::Zero, VI_ERROR_RSRC_NFOUND},
         {"stale registration", "inst0", Reply::Port, Target::Stale, VI_ERROR_RSRC_NFOUND},
+        {"no portmapper", "inst0", Reply::Port, Target::NoPortmapper, VI_ERROR_RSRC_NFOUND},
         {"program unavailable", "inst0", Reply::ProgramUnavailable, Target::Core, VI_ERROR_RSRC_NFOUND},
         {"call denied", "inst0", Reply::Denied, Target::Core, VI_ERROR_IO},
         {"reply to another call", "inst0", Reply::WrongXid, Target::Core, VI_ERROR_IO},
@@ -90,7 +91,8 @@ TEST(LanProbe, Vxi11Outcomes) {
         FakeServer portmapper(test::portmapper(script));
 
         const std::string resource = std::string("TCPIP0::127.0.0.1::") + c.device + "::INSTR";
-        EXPECT_EQ(probeLanResource(resource, optionsFor(portmapper.port())), c.expected);
+        const std::uint16_t portmapperPort = c.target == Target::NoPortmapper ? test::closedPort() : portmapper.port();
+        EXPECT_EQ(probeLanResource(resource, optionsFor(portmapperPort)), c.expected);
 
         std::lock_guard lock(record->mutex);
         if (c.portmap == Reply::Port && c.target == Target::Core) {
@@ -99,11 +101,6 @@ TEST(LanProbe, Vxi11Outcomes) {
         EXPECT_EQ(record->destroyed, c.expected == VI_SUCCESS ? 1 : 0) << "a link is closed exactly when it was made";
         EXPECT_FALSE(record->lockRequested);
     }
-}
-
-TEST(LanProbe, Vxi11WithoutPortmapperIsHostLocated) {
-    EXPECT_EQ(probeLanResource("TCPIP0::127.0.0.1::inst0::INSTR", optionsFor(test::closedPort())),
-              VI_ERROR_RSRC_NFOUND);
 }
 
 TEST(LanProbe, Vxi11ReadsFragmentedRepliesWithVerifier) {

@@ -73,21 +73,6 @@ TEST(OncRpc, ReadsReplyHeaders) {
     }
 }
 
-TEST(OncRpc, ReadsProcedureResults) {
-    std::uint32_t port = 0;
-    EXPECT_TRUE(rpc::parseGetPortResult(words({4881}), port));
-    EXPECT_EQ(port, 4881u);
-    EXPECT_FALSE(rpc::parseGetPortResult(Bytes{0, 0}, port));
-
-    rpc::CreateLinkResult link;
-    ASSERT_TRUE(rpc::parseCreateLinkResult(words({3, 0xFFFFFFFF, 1024, 4096}), link));
-    EXPECT_EQ(link.error, 3);
-    EXPECT_EQ(link.linkId, -1);
-    EXPECT_EQ(link.abortPort, 1024);
-    EXPECT_EQ(link.maxReceiveSize, 4096u);
-    EXPECT_FALSE(rpc::parseCreateLinkResult(words({0, 1, 2}), link));
-}
-
 TEST(OncRpc, JoinsFragmentsWhateverTheChunking) {
     // "abc" + "defg" in two fragments, then the start of the next record.
     const Bytes stream = concat({words({0x00000003}), {'a', 'b', 'c'}, words({0x80000004}), {'d', 'e', 'f', 'g'},
@@ -126,21 +111,6 @@ TEST(Hislip, InitializeMatchesHandEncodedMessage) {
     const Bytes expected{'H', 'S', 0, 0, 0x01, 0x00, 'B', 'X', 0, 0, 0, 0, 0, 0, 0, 7,
                          'h', 'i', 's', 'l', 'i', 'p', '0'};
     EXPECT_EQ(hislip::initializeMessage("hislip0"), expected);
-}
-
-TEST(Hislip, ReadsHeaders) {
-    hislip::Header header;
-    const Bytes response{'H', 'S', 1, 1, 0x01, 0x00, 0x00, 0x2A, 0, 0, 0, 0, 0, 0, 0x01, 0x02};
-    ASSERT_TRUE(hislip::parseHeader(response, header));
-    EXPECT_EQ(header.type, hislip::kInitializeResponse);
-    EXPECT_EQ(header.control, 1);
-    EXPECT_EQ(header.parameter, 0x0100002Au);
-    EXPECT_EQ(header.payloadLength, 0x0102u);
-
-    EXPECT_FALSE(hislip::parseHeader(Bytes(response.begin(), response.end() - 1), header));
-    Bytes notHislip = response;
-    notHislip[1] = 'X';
-    EXPECT_FALSE(hislip::parseHeader(notHislip, header));
 }
 
 }  // namespace
