@@ -97,10 +97,15 @@ RegResult Registry::deleteTree(const std::string& subKey) const {
     {
         Registry child(key_, subKey, kRegOpenExisting);
         if (child.isOpen()) {
-            // Always take index 0: deleting shifts the rest down.
-            for (std::string first = child.enumKey(0); !first.empty(); first = child.enumKey(0)) {
-                if (child.deleteTree(first) != kErrorSuccess) break;
-            }
+            // The names an enumeration sees, read once: reading index 0 again
+            // after every delete makes the store read the whole list again
+            // each time. Deleting them in order removes the same keys.
+            std::vector<std::string> names;
+            for (std::string name = child.enumKey(0); !name.empty();
+                 name = child.enumKey(static_cast<std::uint32_t>(names.size())))
+                names.push_back(std::move(name));
+            for (const std::string& name : names)
+                if (child.deleteTree(name) != kErrorSuccess) break;
         }
     }
     if (key_ == kNoKey) return kErrorInvalidHandle;
