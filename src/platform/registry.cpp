@@ -80,6 +80,13 @@ std::string Registry::enumKey(std::uint32_t index) const {
     return out;
 }
 
+std::vector<std::string> Registry::subkeyNames() const {
+    std::vector<std::string> names;
+    for (std::string name = enumKey(0); !name.empty(); name = enumKey(static_cast<std::uint32_t>(names.size())))
+        names.push_back(std::move(name));
+    return names;
+}
+
 void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) const {
     std::array<char, kEnumNameChars> buffer{};
     std::uint32_t cch = kEnumNameChars;
@@ -97,14 +104,9 @@ RegResult Registry::deleteTree(const std::string& subKey) const {
     {
         Registry child(key_, subKey, kRegOpenExisting);
         if (child.isOpen()) {
-            // The names an enumeration sees, read once: reading index 0 again
-            // after every delete makes the store read the whole list again
-            // each time. Deleting them in order removes the same keys.
-            std::vector<std::string> names;
-            for (std::string name = child.enumKey(0); !name.empty();
-                 name = child.enumKey(static_cast<std::uint32_t>(names.size())))
-                names.push_back(std::move(name));
-            for (const std::string& name : names)
+            // Deleting the names read once, in order, removes the same keys
+            // as taking index 0 again after every delete.
+            for (const std::string& name : child.subkeyNames())
                 if (child.deleteTree(name) != kErrorSuccess) break;
         }
     }

@@ -5,6 +5,7 @@
 // is skipped. Nothing throws.
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/reg_types.h"
 
@@ -42,6 +43,10 @@ public:
     // characters or more ends the enumeration as the end would (empty).
     void enumKey(std::uint32_t index, std::string& out) const;
     std::string enumKey(std::uint32_t index) const;
+    // Every name enumKey gives from index 0 up to the first empty one, read
+    // before the caller changes anything: each write makes the store read a
+    // key's subkeys anew, so enumerating while writing costs a re-read per step.
+    std::vector<std::string> subkeyNames() const;
     // Value name at index (80-character buffer) and its type; empty at the end.
     void enumValue(std::uint32_t index, std::string& name, RegType& type) const;
     // Deletes subKey with everything below it; returns the status of the

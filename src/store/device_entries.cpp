@@ -34,12 +34,7 @@ void ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& dev
     const Registry deviceKey(devices.handle(), device, kRegOpenOrCreate);
     const std::string typeWord = intfKey.getString("VISAIntfType");
     const Registry templates("VISAInfo\\DefaultRsrcs", kRegOpenExisting);
-    // The class names are read before anything is written: every write
-    // makes the store read a key's subkeys anew.
-    std::vector<std::string> classNames;
-    for (std::string name; !(name = templates.enumKey(static_cast<std::uint32_t>(classNames.size()))).empty();)
-        classNames.push_back(std::move(name));
-    for (const std::string& className : classNames) {
+    for (const std::string& className : templates.subkeyNames()) {
         const Registry classKey(templates.handle(), className, kRegOpenExisting);
         if (!classKey.getBool(typeWord)) continue;
         if (!classFilter.empty() && classFilter != className) continue;

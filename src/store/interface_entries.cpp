@@ -41,9 +41,7 @@ void createInterfaceResources(const Registry& intfKey) {
     const std::string typeWord = intfKey.getString("VISAIntfType");
     Registry resources(intfKey.handle(), "VISAIntfRsrc", kRegOpenOrCreate);
     Registry templates("VISAInfo\\DefaultIntfRsrcs", kRegOpenExisting);
-    for (std::uint32_t index = 0;; ++index) {
-        const std::string className = templates.enumKey(index);
-        if (className.empty()) break;
+    for (const std::string& className : templates.subkeyNames()) {
         Registry classKey(templates.handle(), className, kRegOpenExisting);
         if (!classKey.getBool(typeWord)) continue;
         Registry entry(resources.handle(), visaName + "::" + className, kRegOpenOrCreate);

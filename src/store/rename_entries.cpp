@@ -41,14 +41,6 @@ std::string inLineName(const std::string& entry, const std::string& visaName) {
     return visaName + entry.substr(prefixEnd(entry));
 }
 
-// The subkeys of `key` as one enumeration from index 0 sees them.
-std::vector<std::string> visibleSubkeys(const Registry& key) {
-    std::vector<std::string> names;
-    for (std::string name = key.enumKey(0); !name.empty(); name = key.enumKey(static_cast<std::uint32_t>(names.size())))
-        names.push_back(std::move(name));
-    return names;
-}
-
 // Calls fn(name, type) for every value of `key`, the default value and
 // long names included.
 template <typename Fn>
@@ -101,7 +93,7 @@ void copyTreeUnchanged(const Registry& from, const Registry& to) {
                                           reinterpret_cast<const std::uint8_t*>(bytes.data()),
                                           static_cast<std::uint32_t>(bytes.size()));
     });
-    for (const std::string& child : visibleSubkeys(from))
+    for (const std::string& child : from.subkeyNames())
         copyTreeUnchanged(Registry(from.handle(), child, kRegOpenExisting),
                           Registry(to.handle(), child, kRegOpenOrCreate));
 }
@@ -126,7 +118,7 @@ public:
 
     void repairList(const Registry& list) const {
         std::optional<std::string> lastStop;
-        for (std::size_t index = 0; index < visibleSubkeys(list).size();) {
+        for (std::size_t index = 0; index < list.subkeyNames().size();) {
             const PassResult pass = repair(list, list, true);
             if (pass.renamed) {
                 index = 0;
@@ -149,7 +141,7 @@ private:
     // (the same key for a list itself). An entry that cannot be deleted ends
     // it, so that such an entry cannot make it go round for ever.
     PassResult repair(const Registry& source, const Registry& destination, bool inPlace) const {
-        std::vector<std::string> names = visibleSubkeys(source);
+        std::vector<std::string> names = source.subkeyNames();
         PassResult result;
         for (std::size_t next = 0; next < names.size();) {
             const std::string entry = names[next++];
@@ -167,7 +159,7 @@ private:
             }
             result.renamed = true;
             if (inPlace && (newName.size() >= kEnumNameLimit || !isInLine(newName, visaName_))) {
-                names = visibleSubkeys(source);
+                names = source.subkeyNames();
                 next = 0;
             }
         }
