@@ -102,11 +102,8 @@ void copyPercentCollapsed(const char* text, std::size_t length, char* to) {
 }
 
 void copyBounded(char* to, const char* from, std::size_t limit) {
-    std::size_t n = 0;
-    while (n < limit && from[n] != '\0') {
-        to[n] = from[n];
-        ++n;
-    }
+    const std::size_t n = strnlen(from, limit);
+    std::memcpy(to, from, n);
     to[n] = '\0';
 }
 

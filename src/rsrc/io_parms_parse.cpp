@@ -63,25 +63,26 @@ bool IoParms::appendLastElement(const char* text, std::size_t length) {
 
 bool IoParms::splitElements(const char* input, Outcome& outcome) {
     char* token = rsrcString_.text.get();
-    bool insideBrackets = false;
-    for (char* p = token; *p != '\0'; ++p) {
-        // An IPv6 address in [...] keeps its "::" to itself.
-        if (insideBrackets) {
-            if (*p == ']') insideBrackets = false;
-            continue;
-        }
+    for (char* p = token + std::strcspn(token, ":["); *p != '\0'; p += std::strcspn(p, ":[")) {
+        // An IPv6 address in [...] keeps its "::" to itself; an unclosed
+        // bracket hides the rest of the string.
         if (*p == '[') {
-            insideBrackets = true;
+            char* close = std::strchr(p + 1, ']');
+            if (close == nullptr) break;
+            p = close + 1;
             continue;
         }
-        if (p[0] != ':' || p[1] != ':') continue;
+        if (p[1] != ':') {
+            ++p;
+            continue;
+        }
         *p = '\0';
         if (*token == '\0') return outcome.fail(VI_ERROR_INV_RSRC_NAME);
         if (!appendElement(token, static_cast<std::size_t>(p - token)))
             return outcome.failLogged(
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[]", input));
-        ++p;
-        token = p + 1;
+        p += 2;
+        token = p;
         if (count_ >= kMaxSeparatedElements)
             return outcome.failLogged(
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': more that %d parameters", input, kMaxElements));
