@@ -31,7 +31,17 @@ public:
     ScopedAllocationFault& operator=(const ScopedAllocationFault&) = delete;
 };
 
+// Gives a buffer from allocateChars back.
+struct ReleaseChars {
+    void operator()(char* chars) const noexcept;
+};
+using OwnedChars = std::unique_ptr<char[], ReleaseChars>;
+
 // `size` characters, or null when memory (or the fault hook) says no.
-std::unique_ptr<char[]> allocateChars(std::size_t size);
+// Every parse allocates and frees the same few small sizes, so released
+// buffers are kept per thread for the next allocation of their size class
+// (not in sanitizer builds, where every buffer goes back at once so that
+// a use after release is caught).
+OwnedChars allocateChars(std::size_t size);
 
 }  // namespace braxcfg::rsrc

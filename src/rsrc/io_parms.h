@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "rsrc/allocation.h"
 #include "visacore/visa_types.h"
 
 namespace braxcfg::rsrc {
@@ -77,7 +78,7 @@ public:
 
 private:
     struct OwnedText {
-        std::unique_ptr<char[]> text;
+        OwnedChars text;
         std::uint32_t size = 0;
         bool allocate(std::size_t chars);
         void reset();

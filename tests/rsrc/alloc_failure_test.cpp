@@ -1,8 +1,11 @@
 // Allocation failure at every point of a parse: the status parse returns,
-// the line it logs, and a record that stays usable.
+// the line it logs, and a record that stays usable; and the buffers the
+// allocation helper keeps for reuse.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/debug_output.h"
@@ -105,6 +108,26 @@ TEST(IoParmsAllocation, EveryAllocationOfRealisticStringsMayFail) {
             EXPECT_STREQ(parms.getCanonicalName(nullptr, 0), reference.getCanonicalName(nullptr, 0));
             EXPECT_STREQ(parms.getAltName(nullptr, 0), reference.getAltName(nullptr, 0));
         }
+    }
+}
+
+// Buffers handed out at the same time never overlap, whichever thread
+// released them before and whether or not it still runs.
+TEST(AllocateChars, LiveBuffersNeverShareMemory) {
+    std::vector<OwnedChars> released;
+    std::thread([&released] {
+        for (std::size_t size = 1; size <= 1100; size += 7) released.push_back(allocateChars(size));
+    }).join();
+    for (int round = 0; round < 2; ++round) {
+        released.clear();
+        std::vector<std::pair<OwnedChars, std::size_t>> live;
+        for (std::size_t size = 1; size <= 1100; size += 3) live.emplace_back(allocateChars(size), size);
+        for (std::size_t i = 0; i < live.size(); ++i)
+            std::memset(live[i].first.get(), static_cast<int>(i), live[i].second);
+        for (std::size_t i = 0; i < live.size(); ++i)
+            for (std::size_t k = 0; k < live[i].second; ++k)
+                ASSERT_EQ(live[i].first[k], static_cast<char>(i)) << "buffer " << i << " byte " << k;
+        for (auto& entry : live) released.push_back(std::move(entry.first));
     }
 }
 
