@@ -1,10 +1,8 @@
 // Interface entries: reading an INTF<n> key and marking it set up.
-#include <algorithm>
-#include <cstdlib>
-
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::store {
 namespace {
@@ -66,16 +64,9 @@ std::uint16_t ConfigStore::GetIntfType(const std::string& intf, std::string& rsr
     return codeOfTypeWord(key.getString("VISAIntfType"));
 }
 
-int ConfigStore::GetMaxIntfNum() const {
-    Registry root("", kRegOpenExisting);
-    int max = 0;
-    for (std::uint32_t index = 0;; ++index) {
-        const std::string name = root.enumKey(index);
-        if (name.empty()) break;
-        if (name.size() > 4 && name.compare(0, 4, "INTF") == 0) max = std::max(max, std::atoi(name.c_str() + 4));
-    }
-    return max;
-}
+// The configuration class of the VISA core services owns the rule that
+// reads interface numbers from the INTF<n> key names.
+int ConfigStore::GetMaxIntfNum() const { return visa::RegVISAConfig().getMaxIntfNum(); }
 
 int ConfigStore::IsValidVisaIntf(const std::string& intf) const { return GetVisaName(intf).empty() ? 0 : 1; }
 
