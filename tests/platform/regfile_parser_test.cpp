@@ -1,5 +1,6 @@
-// .reg reading: what each accepted line asks of the store, and the line
-// number and reason for each rejected one.
+// .reg reading: which bytes become which narrow (cp1252) text, what each
+// accepted line asks of the store, and the line number and reason for each
+// rejected one.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,54 +15,35 @@ const std::string kR4 = "REGEDIT4\r\n";
 const std::string kV5 = "Windows Registry Editor Version 5.00\r\n";
 const std::string kKeyA = "[HKEY_LOCAL_MACHINE\\A]\r\n";
 
-std::string hex(const std::string& bytes) {
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string out;
-    for (const unsigned char c : bytes) {
-        out += kDigits[c >> 4];
-        out += kDigits[c & 0x0F];
-    }
-    return out;
+std::string utf16File(std::u16string_view text) {
+    std::string bytes = "\xFF\xFE";
+    for (const char16_t unit : text) bytes += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+    return bytes;
 }
 
-// One operation as a line: "key A", "-key A", "-value A|n", "value A|n|type|bytes".
-std::string summary(const RegOp& op) {
-    switch (op.kind) {
-        case RegOpKind::CreateKey:
-            return "key " + op.keyPath;
-        case RegOpKind::DeleteKey:
-            return "-key " + op.keyPath;
-        case RegOpKind::DeleteValue:
-            return "-value " + op.keyPath + "|" + op.name;
-        case RegOpKind::SetValue:
-            return "value " + op.keyPath + "|" + op.name + "|" + std::to_string(op.type) + "|" + hex(op.data);
-    }
-    return "?";
-}
-
+// The operations as lines: "key A", "-key A", "-value A|n", "value A|n|type|hex bytes".
 std::vector<std::string> summaries(const RegParseResult& result) {
+    static const char* const kKinds[] = {"key ", "-key ", "value ", "-value "};  // in RegOpKind order
     std::vector<std::string> out;
-    for (const RegOp& op : result.ops) out.push_back(summary(op));
+    for (const RegOp& op : result.ops) {
+        std::string line = kKinds[static_cast<int>(op.kind)] + op.keyPath;
+        if (op.kind == RegOpKind::DeleteValue) line += "|" + op.name;
+        if (op.kind == RegOpKind::SetValue) {
+            line += "|" + op.name + "|" + std::to_string(op.type) + "|";
+            for (const unsigned char c : op.data) line += {"0123456789abcdef"[c >> 4], "0123456789abcdef"[c & 15]};
+        }
+        out.push_back(line);
+    }
     return out;
 }
-
-struct GoodCase {
-    const char* label;
-    std::string text;
-    std::vector<std::string> ops;
-};
 
 TEST(RegParser, AcceptedFilesGiveTheirOperations) {
-    const std::vector<GoodCase> cases = {
-        {"basic types", kR4 + kKeyA + "\"s\"=\"abc\"\r\n@=\"d\"\r\n\"w\"=dword:0000001f\r\n\"b\"=hex:01,ff\r\n",
-         {"key A", "value A|s|1|61626300", "value A||1|6400", "value A|w|4|1f000000", "value A|b|3|01ff"}},
-        {"root in any case, runs of backslashes collapse", kR4 + "[hkey_local_machine\\\\A\\\\B\\]\r\n",
-         {"key A\\B"}},
+    const struct { const char* label; std::string text; std::vector<std::string> ops; } cases[] = {
+        {"root in any case, runs of backslashes collapse", kR4 + "[hkey_local_machine\\\\A\\\\B\\]\r\n", {"key A\\B"}},
         {"the bare root", kR4 + "[HKEY_LOCAL_MACHINE]\r\n", {"key "}},
         {"key name runs to the last ]; quotes are literal", kR4 + "[HKEY_LOCAL_MACHINE\\a]b\"c] ;note\r\n",
          {"key a]b\"c"}},
-        {"a ] inside a trailing comment becomes part of the name", kR4 + "[HKEY_LOCAL_MACHINE\\a] ;x]\r\n",
-         {"key a] ;x"}},
+        {"a ] inside a trailing comment joins the name", kR4 + "[HKEY_LOCAL_MACHINE\\a] ;x]\r\n", {"key a] ;x"}},
         {"blanks before ] belong to the name", kR4 + "[HKEY_LOCAL_MACHINE\\a ]\r\n", {"key a "}},
         {"key and value deletion", kR4 + kKeyA + "\"x\"=- ;gone\r\n[-HKEY_LOCAL_MACHINE\\A\\B]\r\n",
          {"key A", "-value A|x", "-key A\\B"}},
@@ -73,9 +55,9 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
         {"comments, # lines and blank lines", kR4 + "; c\r\n# c\r\n\r\n \t\r\n" + kKeyA, {"key A"}},
         {"dword upper case digits, comment right after", kR4 + kKeyA + "\"w\"=dword:FFFFFFFE;c\r\n",
          {"key A", "value A|w|4|feffffff"}},
-        {"empty hex lists and any type number", kR4 + kKeyA + "\"e\"=hex:\r\n\"n\"=hex(0):\r\n\"t\"=hex(ffffffff):1\r\n",
+        {"empty hex lists, any type number", kR4 + kKeyA + "\"e\"=hex:\r\n\"n\"=hex(0):\r\n\"t\"=hex(ffffffff):1\r\n",
          {"key A", "value A|e|3|", "value A|n|0|", "value A|t|4294967295|01"}},
-        {"one-digit bytes and blanks around commas", kR4 + kKeyA + "\"b\"=hex: 1 , a ,ff,\r\n",
+        {"one-digit bytes, blanks around commas", kR4 + kKeyA + "\"b\"=hex: 1 , a ,ff,\r\n",
          {"key A", "value A|b|3|010aff"}},
         {"continuation over blank and ; lines, after the colon",
          kR4 + kKeyA + "\"b\"=hex:\\\r\n  01,02,\\ ;more\r\n\r\n; note\r\n  03\r\n\"c\"=hex:04\r\n",
@@ -89,34 +71,27 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
         {"CR line ends", "REGEDIT4\r[HKEY_LOCAL_MACHINE\\A]\r\"n\"=\"v\"\r", {"key A", "value A|n|1|7600"}},
         {"key names of 255 characters", kR4 + "[HKEY_LOCAL_MACHINE\\" + std::string(255, 'k') + "]\r\n",
          {"key " + std::string(255, 'k')}},
+        // Encodings: UTF-16LE with BOM, UTF-8 with BOM or under the version 5
+        // header, ANSI bytes under REGEDIT4.
+        {"UTF-16LE", utf16File(u"Windows Registry Editor Version 5.00\r\n[HKEY_LOCAL_MACHINE\\Caf\u00e9\u20ac]\r\n"),
+         {"key Caf\xE9\x80"}},
+        {"UTF-16LE with the REGEDIT4 header", utf16File(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n"), {"key A"}},
+        {"a code point cp1252 leaves undefined keeps its byte", utf16File(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\\u0081]"),
+         {"key \x81"}},
+        {"UTF-8 with BOM", "\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xC3\xA9]\n", {"key \xE9"}},
+        {"version 5 header without BOM reads UTF-8", kV5 + "[HKEY_LOCAL_MACHINE\\\xE2\x82\xAC]\n", {"key \x80"}},
+        {"REGEDIT4 without BOM keeps ANSI bytes", kR4 + "[HKEY_LOCAL_MACHINE\\\xC3\xA9]\n", {"key \xC3\xA9"}},
     };
-    for (const GoodCase& c : cases) {
-        const RegParseResult result = parseRegText(c.text);
+    for (const auto& c : cases) {
+        const RegParseResult result = parseRegFile(c.text);
         ASSERT_FALSE(result.error) << c.label << ": " << describe(*result.error);
         EXPECT_EQ(summaries(result), c.ops) << c.label;
     }
 }
 
-TEST(RegParser, OperationsCarryTheLineTheyStartOn) {
-    const RegParseResult result =
-        parseRegText(kR4 + "\r\n" + kKeyA + "\"b\"=hex:01,\\\r\n  02\r\n\"c\"=\"x\"\r\n");
-    ASSERT_FALSE(result.error);
-    ASSERT_EQ(result.ops.size(), 3u);
-    EXPECT_EQ(result.ops[0].line, 3);
-    EXPECT_EQ(result.ops[1].line, 4);
-    EXPECT_EQ(result.ops[2].line, 6);
-    EXPECT_EQ(result.version, RegVersion::Regedit4);
-}
-
-struct BadCase {
-    std::string text;
-    int line;
-    const char* reason;  // a piece of the message
-};
-
 TEST(RegParser, RejectsTheFirstMalformedLine) {
-    const std::string longName(16384, 'n');
-    const std::vector<BadCase> cases = {
+    // reason: a piece of the message.
+    const struct { std::string text; int line; const char* reason; } cases[] = {
         {"", 1, "unknown header"},
         {"regedit4\r\n", 1, "unknown header"},
         {"\r\nREGEDIT4\r\n", 1, "unknown header"},
@@ -132,16 +107,14 @@ TEST(RegParser, RejectsTheFirstMalformedLine) {
         {kR4 + "[HKEY_LOCAL_MACHINE\\" + std::string(256, 'k') + "]\r\n", 2, "longer than 255"},
         {kR4 + kKeyA + "junk\r\n", 3, "unexpected text"},
         {kR4 + kKeyA + "\"a\"=\"b\r\n", 3, "string has no closing quote"},
-        {kR4 + kKeyA + "\"a\"=\"b\" x\r\n", 3, "after the string"},
         {kR4 + kKeyA + "\"a\"=\"b\"#x\r\n", 3, "after the string"},
         {kR4 + kKeyA + "\"a\"=\"b\\0\"\r\n", 3, "\\0"},
         {kR4 + kKeyA + "\"a\"=\"C:\\Temp\"\r\n", 3, "unknown escape \\T"},
         {kR4 + kKeyA + "\"a=\"b\"\r\n", 3, "expected ="},
-        {kR4 + kKeyA + "\"a\r\n", 3, "value name has no closing quote"},
+        {kR4 + kKeyA + "\"a\\\r\n", 3, "value name has no closing quote"},
         {kR4 + kKeyA + "@\"b\"\r\n", 3, "expected ="},
-        {kR4 + kKeyA + "\"" + longName + "\"=\"v\"\r\n", 3, "longer than 16383"},
+        {kR4 + kKeyA + "\"" + std::string(16384, 'n') + "\"=\"v\"\r\n", 3, "longer than 16383"},
         {kR4 + kKeyA + "\"a\"=str:x\r\n", 3, "unknown data"},
-        {kR4 + kKeyA + "\"a\"=\r\n", 3, "unknown data"},
         {kR4 + kKeyA + "\"a\"=-x\r\n", 3, "after =-"},
         {kR4 + kKeyA + "\"a\"=dword:\r\n", 3, "1 to 8 hex digits"},
         {kR4 + kKeyA + "\"a\"=dword:123456789\r\n", 3, "more than 8"},
@@ -163,11 +136,18 @@ TEST(RegParser, RejectsTheFirstMalformedLine) {
         {kV5 + kKeyA + "\"a\"=hex(7):00,d8,00,00\r\n", 3, "not valid UTF-16LE"},
         {kV5 + kKeyA + "\"a\"=hex(1):00,01\r\n", 3, "U+0100"},
         {kR4 + kKeyA + std::string("\"a\"=\"b\0c\"\r\n", 11), 3, "NUL character"},
-        {"REGEDIT4\r\r[HKEY_LOCAL_MACHINE\\A]\rjunk\r", 4, "unexpected text"},
         {"REGEDIT4\n\r\n\rjunk\n", 4, "unexpected text"},
+        // Text the store cannot hold, or bytes not in the file's encoding.
+        {utf16File(u"REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\\u0100]\r\n"), 3, "U+0100"},
+        {utf16File(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\\U0001F600]\r\n"), 2, "U+1F600"},
+        {utf16File(u"REGEDIT4\r\n\r\n") + "A", 3, "not valid UTF-16LE"},
+        {utf16File(u"REGEDIT4\r\n\xDC00"), 2, "not valid UTF-16LE"},
+        {kV5 + "\r\n\r\n[HKEY_LOCAL_MACHINE\\\xE9]\r\n", 4, "not valid UTF-8"},
+        {"\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xC0\xAF]\n", 2, "not valid UTF-8"},
+        {"\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xED\xA0\x80]\n", 2, "not valid UTF-8"},
     };
-    for (const BadCase& c : cases) {
-        const RegParseResult result = parseRegText(c.text);
+    for (const auto& c : cases) {
+        const RegParseResult result = parseRegFile(c.text);
         ASSERT_TRUE(result.error) << "accepted: " << c.text.substr(0, 120);
         EXPECT_EQ(result.error->line, c.line) << c.reason << " / " << describe(*result.error);
         EXPECT_NE(result.error->message.find(c.reason), std::string::npos)

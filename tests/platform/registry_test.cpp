@@ -22,39 +22,26 @@ TEST(RegistryWrapper, UnknownOpenModeGivesAnEmptyWrapper) {
         reg.setString("v", "x");
         EXPECT_EQ(reg.getString("v"), "");
     }
-    Registry check(kLocalMachine, "SOFTWARE\\Mode", kRegOpenExisting);
-    EXPECT_FALSE(check.isOpen()) << "nothing was created";
+    EXPECT_FALSE(Registry(kLocalMachine, "SOFTWARE\\Mode", kRegOpenExisting).isOpen()) << "nothing was created";
 }
 
-TEST(RegistryWrapper, StringsReadThroughA256ByteBuffer) {
+TEST(RegistryWrapper, FixedBuffersAndCaseSensitiveValueExists) {
     test::TempStore temp;
-    Registry reg(kLocalMachine, "SOFTWARE\\Strings", kRegOpenOrCreate);
+    Registry reg(kLocalMachine, "SOFTWARE\\Buffers", kRegOpenOrCreate);
     ASSERT_TRUE(reg.isOpen());
-    struct LengthCase {
-        std::size_t length;
-        bool readable;
-    };
-    for (const LengthCase c : {LengthCase{254, true}, LengthCase{255, true}, LengthCase{256, false}}) {
-        SCOPED_TRACE(c.length);
-        const std::string text(c.length, 's');
+    // Strings are read through a 256-byte buffer.
+    for (const auto& [length, readable] : {std::pair{254, true}, std::pair{255, true}, std::pair{256, false}}) {
+        const std::string text(length, 's');
         reg.setString("text", text);
-        EXPECT_EQ(reg.getString("text"), c.readable ? text : "");
+        EXPECT_EQ(reg.getString("text"), readable ? text : "") << length;
     }
-}
-
-TEST(RegistryWrapper, ValueExistsIsCaseSensitiveUnlikeTheStore) {
-    test::TempStore temp;
-    Registry reg(kLocalMachine, "SOFTWARE\\Exists", kRegOpenOrCreate);
     reg.setString("MixedName", "x");
     EXPECT_TRUE(reg.valueExists("MixedName"));
     EXPECT_FALSE(reg.valueExists("mixedname"));
     EXPECT_EQ(reg.getString("mixedname"), "x") << "the store itself ignores case";
-}
 
-TEST(RegistryWrapper, EightyCharacterKeyNameEndsTheEnumeration) {
-    test::TempStore temp;
-    Registry reg(kLocalMachine, "SOFTWARE\\Enum", kRegOpenOrCreate);
-    // Sorted: "A...", then the 80-character "B...", then "C".
+    // Key names are read through 80 characters: sorted, "A..." fits, the
+    // 80-character "B..." does not, "C" comes after it.
     for (const std::string& name : {std::string(79, 'A'), std::string(80, 'B'), std::string("C")})
         Registry child(reg.handle(), name, kRegOpenOrCreate);
     EXPECT_EQ(reg.enumKey(0), std::string(79, 'A'));

@@ -5,17 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
-#include <random>
 
 #include "platform/debug_output.h"
 #include "platform/sqlite_db.h"
 #include "platform/store.h"
-#include "store_helper_process.h"
 #include "store_test_access.h"
 #include "temp_store.h"
 
@@ -23,6 +19,7 @@ namespace braxcfg::platform {
 namespace {
 
 namespace fs = std::filesystem;
+using test::setString;
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -33,7 +30,7 @@ void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-// A folder of its own for one test, empty.
+// An empty folder of its own for one test.
 std::string freshFolder(const std::string& name) {
     const std::string folder = test::testOutputDir("store-files") + "/" + name;
     fs::remove_all(folder);
@@ -41,60 +38,42 @@ std::string freshFolder(const std::string& name) {
     return folder;
 }
 
-// The bytes of a real store with some content, fully checkpointed into the
-// main file.
-std::string realStoreBytes() {
-    const std::string path = freshFolder("source") + "/source.db";
+// A real store holding SOFTWARE\Probe "v" = "old" and some bulk, closed
+// (so fully checkpointed into the main file).
+std::string makeStore(const std::string& path, int bulkKeys) {
     EXPECT_EQ(openStore(path).state, StoreOpenState::Open);
     StoreBackend& store = currentStore();
-    for (int i = 0; i < 40; ++i) {
-        test::KeyHandle key(store, test::createKey(store, "Tree\\Key" + std::to_string(i)));
-        test::setString(store, key, "text", std::string(200, static_cast<char>('a' + i % 26)));
-    }
+    EXPECT_EQ(setString(store, test::createKey(store, "SOFTWARE\\Probe"), "v", "old"), 0);
+    for (int i = 0; i < bulkKeys; ++i)
+        setString(store, test::createKey(store, "Tree\\Key" + std::to_string(i)), "text",
+                  std::string(200, static_cast<char>('a' + i % 26)));
     closeStore();
     return readFile(path);
 }
 
-std::string randomBytes(std::size_t size) {
-    std::mt19937 random(1234);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = static_cast<char>(random());
-    return bytes;
-}
-
-std::string foreignDatabaseBytes() {
-    const std::string path = freshFolder("foreign") + "/other.db";
-    SqliteConnection db;
-    db.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    db.exec("CREATE TABLE keys (x); INSERT INTO keys VALUES (1);");
-    db.close();
-    return readFile(path);
-}
-
 TEST(StoreFile, DamagedOrForeignFilesAreRefusedAndLeftAlone) {
-    const std::string real = realStoreBytes();
+    const std::string folder = freshFolder("corrupt");
+    const std::string real = makeStore(folder + "/source.db", 40);
     ASSERT_GT(real.size(), 16384u);
     std::string overwrittenPage = real;
     for (std::size_t i = 4096 + 8; i < 8192; ++i) overwrittenPage[i] = '\xEE';
-    struct CorruptCase {
-        const char* label;
-        std::string bytes;
-    };
-    const CorruptCase cases[] = {
-        {"random bytes", randomBytes(8192)},
+    SqliteConnection foreign;
+    foreign.open(folder + "/foreign.db", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    foreign.exec("CREATE TABLE keys (x); INSERT INTO keys VALUES (1);");
+    foreign.close();
+
+    const std::pair<const char*, std::string> cases[] = {
         {"a text file", "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE]\r\n"},
         {"only a header start", std::string("SQLite format 3\0\x10\x00", 18)},
         {"truncated store", real.substr(0, real.size() / 2)},
         {"overwritten page", overwrittenPage},
-        {"another program's database", foreignDatabaseBytes()},
+        {"another program's database", readFile(folder + "/foreign.db")},
     };
-    const std::string folder = freshFolder("corrupt");
     int n = 0;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
+    for (const auto& [label, bytes] : cases) {
+        SCOPED_TRACE(label);
         const std::string path = folder + "/case" + std::to_string(n++) + ".db";
-        writeFile(path, c.bytes);
-
+        writeFile(path, bytes);
         DebugCapture debug;
         const StoreStatus status = openStore(path);
         EXPECT_EQ(status.state, StoreOpenState::Corrupt);
@@ -108,54 +87,49 @@ TEST(StoreFile, DamagedOrForeignFilesAreRefusedAndLeftAlone) {
         HKey key = 0x77;
         EXPECT_NE(store.createKey(kLocalMachine, "New", kKeyAllAccess, &key, nullptr), kErrorSuccess);
         EXPECT_EQ(key, kNoKey);
-        EXPECT_NE(test::setString(store, kLocalMachine, "v", "x"), kErrorSuccess);
+        EXPECT_NE(setString(store, kLocalMachine, "v", "x"), kErrorSuccess);
         EXPECT_EQ(test::subkeyNames(store, kLocalMachine), std::vector<std::string>{});
         closeStore();
-        EXPECT_TRUE(readFile(path) == c.bytes) << "the file was modified";
+        EXPECT_TRUE(readFile(path) == bytes) << "the file was modified";
     }
 }
 
+// What a process without root rights finds in the store at path.
+std::string openAsUser(const std::string& path) {
+    if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) return "cannot drop rights";
+    const StoreStatus status = openStore(path);
+    StoreBackend& store = currentStore();
+    HKey probe = kNoKey;
+    store.openKey(kLocalMachine, "SOFTWARE\\Probe", kKeyAllAccess, &probe);
+    const std::string read = test::valueBytes(store, probe, "v");
+    const RegResult written = setString(store, probe, "v", "new");
+    return "state=" + std::to_string(static_cast<int>(status.state)) + " writable=" + std::to_string(status.writable) +
+           " read=" + read.c_str() + " write=" + std::to_string(written);
+}
+
 TEST(StoreFile, OpenStateFollowsPermissions) {
-    struct PermissionCase {
-        const char* label;
-        fs::perms folder;
-        fs::perms file;
-        const char* expected;  // what the helper process reports
-    };
     using p = fs::perms;
-    const PermissionCase cases[] = {
-        {"machine-wide layout", p::owner_all | p::group_read | p::group_exec | p::others_read | p::others_exec,
-         p::owner_read | p::owner_write | p::group_read | p::others_read, "state=0 writable=0 read=old write=1013\n"},
-        {"read-only file", p::all, p::owner_read | p::group_read | p::others_read,
-         "state=0 writable=0 read=old write=1013\n"},
-        {"writable by all", p::all, p::owner_read | p::owner_write | p::group_read | p::group_write |
-                                        p::others_read | p::others_write,
-         "state=0 writable=1 read=old write=0\n"},
-        {"unreadable file", p::all, p::none, "state=3 writable=0 read=<none> write=5\n"},
+    // folder, file: the modes every file of the store gets; expected: what
+    // a process without root rights reports.
+    const struct { const char* label; p folder, file; const char* expected; } cases[] = {
+        {"machine-wide layout", p(0755), p(0644), "state=0 writable=0 read=old write=1013"},
+        {"read-only file", p(0777), p(0444), "state=0 writable=0 read=old write=1013"},
+        {"writable by all", p(0777), p(0666), "state=0 writable=1 read=old write=0"},
+        {"unreadable file", p(0777), p(0), "state=3 writable=0 read=<missing> write=5"},
     };
-    int n = 0;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
-        const std::string folder = freshFolder("perm" + std::to_string(n++));
+        const std::string folder = freshFolder("permissions");
         const std::string path = folder + "/registry.db";
-        ASSERT_EQ(openStore(path).state, StoreOpenState::Open);
-        test::KeyHandle probe(currentStore(), test::createKey(currentStore(), "SOFTWARE\\Probe"));
-        ASSERT_EQ(test::setString(currentStore(), probe, "v", "old"), kErrorSuccess);
-        closeStore();
-        const std::string before = readFile(path);
-        // Every file of the store gets the mode; SQLite's side files follow
-        // the main file's.
+        const std::string before = makeStore(path, 0);
         for (const char* suffix : {"", "-wal", "-shm"})
             if (fs::exists(path + suffix)) fs::permissions(path + suffix, c.file);
         fs::permissions(folder, c.folder);
-
-        const test::HelperResult result = test::runHelper({"read-only", path});
+        const std::string report = test::finishChild(test::startChild([&] { return openAsUser(path); }));
         fs::permissions(folder, p::all);
-        EXPECT_EQ(result.exitCode, 0);
-        EXPECT_EQ(result.output, c.expected);
-        if (std::string(c.expected).find("writable=0") != std::string::npos) {
-            EXPECT_TRUE(readFile(path) == before) << "a read-only store was modified";
-        }
+        EXPECT_EQ(report, c.expected);
+        const bool readOnly = std::string(c.expected).find("writable=0") != std::string::npos;
+        EXPECT_TRUE(!readOnly || readFile(path) == before) << "a read-only store was modified";
     }
 }
 
@@ -170,92 +144,44 @@ TEST(StoreFile, NewStoresAreCreatedReadableByAllWritableByOwner) {
     struct stat info {};
     ASSERT_EQ(::stat(path.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0644u);
-    closeStore();
 
     // An empty file (as a package might install) becomes a store too.
     writeFile(folder + "/empty.db", "");
     EXPECT_EQ(openStore(folder + "/empty.db").state, StoreOpenState::Open);
-    EXPECT_EQ(test::setString(currentStore(), kLocalMachine, "v", "x"), kErrorSuccess);
-    closeStore();
-}
+    EXPECT_EQ(setString(currentStore(), kLocalMachine, "v", "x"), kErrorSuccess);
 
-TEST(StoreFile, UnusablePathsAreReportedNotCreated) {
-    const std::string folder = freshFolder("unusable");
+    // Unusable paths are reported and, like closing, count as a new store
+    // for caches.
     writeFile(folder + "/plain", "x");
-    struct PathCase {
-        const char* label;
-        std::string path;
-        StoreOpenState state;
-    };
-    const PathCase cases[] = {
-        {"a folder", folder, StoreOpenState::Unreadable},
-        {"below a plain file", folder + "/plain/registry.db", StoreOpenState::Missing},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
+    for (const auto& [path, state] : {std::pair{folder, StoreOpenState::Unreadable},
+                                      std::pair{folder + "/plain/registry.db", StoreOpenState::Missing}}) {
         const std::uint64_t generation = storeGeneration();
-        const StoreStatus status = openStore(c.path);
-        EXPECT_EQ(status.state, c.state);
-        EXPECT_FALSE(status.error.empty());
-        EXPECT_EQ(storeGeneration(), generation + 1);
-        EXPECT_EQ(currentStoreStatus().state, c.state);
-        HKey key = kNoKey;
-        EXPECT_NE(currentStore().openKey(kLocalMachine, "", kKeyAllAccess, &key), kErrorSuccess);
+        const StoreStatus unusable = openStore(path);
+        EXPECT_EQ(unusable.state, state) << path;
+        EXPECT_FALSE(unusable.error.empty()) << path;
+        EXPECT_EQ(storeGeneration(), generation + 1) << path;
     }
     const std::uint64_t generation = storeGeneration();
     closeStore();
     EXPECT_EQ(storeGeneration(), generation + 1);
 }
 
-// Sets environment variables for one scope and puts the old values back.
-class EnvironmentScope {
-public:
-    void set(const char* name, const char* value) {
-        const char* old = std::getenv(name);
-        saved_.emplace_back(name, old ? std::optional<std::string>(old) : std::nullopt);
-        if (value)
-            ::setenv(name, value, 1);
-        else
-            ::unsetenv(name);
-    }
-    ~EnvironmentScope() {
-        for (auto it = saved_.rbegin(); it != saved_.rend(); ++it) {
-            if (it->second)
-                ::setenv(it->first.c_str(), it->second->c_str(), 1);
-            else
-                ::unsetenv(it->first.c_str());
-        }
-    }
-
-private:
-    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
-};
-
 TEST(StoreLocation, ChosenFromTheEnvironment) {
-    struct LocationCase {
-        const char* label;
-        const char* store;
-        const char* stateHome;
-        const char* home;
-        std::string resolved;  // empty: not asked (would consult the machine-wide folder)
-        std::string perUser;
-    };
-    const LocationCase cases[] = {
-        {"explicit store", "/tmp/x/my.db", "/state", "/home/u", "/tmp/x/my.db", "/state/braxcfg/registry.db"},
-        {"state home unset", "/s.db", nullptr, "/home/u", "/s.db", "/home/u/.local/state/braxcfg/registry.db"},
-        {"relative state home is ignored", nullptr, "rel", "/home/u", "",
-         "/home/u/.local/state/braxcfg/registry.db"},
+    // expected: the resolved path, then the per-user one.
+    const struct { const char *store, *stateHome, *expected; } cases[] = {
+        {"/tmp/x/my.db", "/state", "/tmp/x/my.db /state/braxcfg/registry.db"},
+        {"/s.db", nullptr, "/s.db /home/u/.local/state/braxcfg/registry.db"},
+        {"/s.db", "relative", "/s.db /home/u/.local/state/braxcfg/registry.db"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.label);
-        EnvironmentScope env;
-        env.set("BRAXCFG_STORE", c.store);
-        env.set("XDG_STATE_HOME", c.stateHome);
-        env.set("HOME", c.home);
-        EXPECT_EQ(perUserStorePath(), c.perUser);
-        if (!c.resolved.empty()) {
-            EXPECT_EQ(resolveStorePath(), c.resolved);
-        }
+        // In a child process, so the environment changes stay there.
+        EXPECT_EQ(test::finishChild(test::startChild([&] {
+                      ::setenv("HOME", "/home/u", 1);
+                      ::setenv("BRAXCFG_STORE", c.store, 1);
+                      c.stateHome ? ::setenv("XDG_STATE_HOME", c.stateHome, 1) : ::unsetenv("XDG_STATE_HOME");
+                      return resolveStorePath() + " " + perUserStorePath();
+                  })),
+                  c.expected);
     }
 }
 

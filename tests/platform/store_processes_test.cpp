@@ -2,63 +2,91 @@
 // lost, nothing is corrupted, and every refusal is reported to the caller.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "platform/sqlite_db.h"
 #include "platform/store.h"
-#include "store_helper_process.h"
 #include "store_test_access.h"
 #include "temp_store.h"
 
 namespace braxcfg::platform {
 namespace {
 
-using test::KeyHandle;
+using test::bytesOf;
 using test::subkeyNames;
 using test::valueBytes;
 
-std::uint32_t dwordValue(StoreBackend& store, HKey key, const char* name) {
-    const std::string bytes = valueBytes(store, key, name);
-    std::uint32_t value = 0;
-    if (bytes.size() == sizeof value) std::memcpy(&value, bytes.data(), sizeof value);
-    return value;
+constexpr int kWriters = 3;
+constexpr std::uint32_t kKeysEach = 150;
+
+// A write the store refuses as busy is tried again a few times; any other
+// failure ends the writer.
+template <class Write>
+bool attempt(Write write) {
+    for (int i = 0; i < 4; ++i) {
+        const RegResult rc = write();
+        if (rc != kErrorCantWrite) return rc == kErrorSuccess;
+    }
+    return false;
 }
 
-TEST(StoreProcesses, ConcurrentWritersLoseNothing) {
-    constexpr int kWriters = 3;
-    constexpr int kKeysEach = 150;
-    test::TempStore temp;
+// One writer: keys Writers\W<id>\K<i> with two values, each its own
+// operation, and after each key one transaction adding 1 to Writers\Counter.
+std::string writeKeys(const std::string& path, int id) {
+    if (openStore(path).state != StoreOpenState::Open) return "not opened";
     StoreBackend& store = currentStore();
+    for (std::uint32_t i = 0; i < kKeysEach; ++i) {
+        const std::string text = std::to_string(i);
+        const auto writeKey = [&] {
+            HKey key = kNoKey;
+            const std::string keyPath = "Writers\\W" + std::to_string(id) + "\\K" + text;
+            RegResult rc = store.createKey(kLocalMachine, keyPath.c_str(), kKeyAllAccess, &key, nullptr);
+            if (rc == kErrorSuccess) rc = test::setString(store, key, "a", text);
+            return rc != kErrorSuccess ? rc : store.setValue(key, "b", kRegDword, bytesOf(&i), 4);
+        };
+        const auto count = [&] {
+            StoreTransaction scope;
+            if (!scope.active()) return kErrorCantWrite;
+            HKey key = kNoKey;
+            RegResult rc = store.createKey(kLocalMachine, "Writers", kKeyAllAccess, &key, nullptr);
+            std::uint32_t counter = 0, size = 4;
+            if (rc == kErrorSuccess) rc = store.queryValue(key, "Counter", nullptr, bytesOf(&counter), &size);
+            ++counter;
+            if (rc == kErrorSuccess || rc == kErrorFileNotFound)
+                rc = store.setValue(key, "Counter", kRegDword, bytesOf(&counter), 4);
+            return rc != kErrorSuccess ? rc : scope.commit() ? kErrorSuccess : kErrorCantWrite;
+        };
+        if (!attempt(writeKey) || !attempt(count)) return "writer " + std::to_string(id) + " failed at " + text;
+    }
+    return "";
+}
 
-    std::vector<test::HelperRun> runs;
+std::string dword(std::uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
+
+TEST(StoreProcesses, ConcurrentWritersLoseNothing) {
+    test::TempStore temp;
+    closeStore();
+    std::vector<test::Child> writers;
     for (int id = 0; id < kWriters; ++id)
-        runs.push_back(test::startHelper({"write", temp.path(), std::to_string(id), std::to_string(kKeysEach)}));
-    // Read while they write: enumeration must never fail or see a half key.
-    for (int pass = 0; pass < 50; ++pass) {
-        KeyHandle writers(store, test::createKey(store, "Writers"));
-        for (const auto& name : subkeyNames(store, writers)) EXPECT_EQ(name.rfind("W", 0), 0u) << name;
-    }
-    for (int id = 0; id < kWriters; ++id) {
-        const test::HelperResult result = test::finishHelper(runs[id]);
-        EXPECT_EQ(result.exitCode, 0) << "writer " << id << ": " << result.output;
-    }
-
+        writers.push_back(test::startChild([&] { return writeKeys(temp.path(), id); }));
     temp.reopen();
     StoreBackend& after = currentStore();
-    KeyHandle writers(after, test::createKey(after, "Writers"));
-    EXPECT_EQ(dwordValue(after, writers, "Counter"), std::uint32_t{kWriters * kKeysEach})
-        << "every read-modify-write transaction kept";
+    const HKey all = test::createKey(after, "Writers");
+    // Read while they write: enumeration must never fail or see a half key.
+    for (int pass = 0; pass < 50; ++pass)
+        for (const auto& name : subkeyNames(after, all)) EXPECT_EQ(name.rfind("W", 0), 0u) << name;
+    for (const auto& writer : writers) EXPECT_EQ(test::finishChild(writer), "");
+    // Then read through the same connection: nothing it cached is stale.
+    EXPECT_EQ(valueBytes(after, all, "Counter"), dword(kWriters * kKeysEach)) << "every read-modify-write kept";
     for (int id = 0; id < kWriters; ++id) {
-        KeyHandle mine(after, test::createKey(after, "W" + std::to_string(id), writers));
+        const HKey mine = test::createKey(after, "W" + std::to_string(id), all);
         EXPECT_EQ(subkeyNames(after, mine).size(), std::size_t{kKeysEach});
-        for (int i = 0; i < kKeysEach; i += 37) {
-            KeyHandle key(after, test::createKey(after, "K" + std::to_string(i), mine));
+        for (std::uint32_t i = 0; i < kKeysEach; i += 37) {
+            const HKey key = test::createKey(after, "K" + std::to_string(i), mine);
             EXPECT_EQ(valueBytes(after, key, "a"), std::to_string(i) + '\0');
-            EXPECT_EQ(dwordValue(after, key, "b"), static_cast<std::uint32_t>(i));
+            EXPECT_EQ(valueBytes(after, key, "b"), dword(i));
         }
     }
-
     closeStore();
     SqliteConnection check;
     ASSERT_EQ(check.open(temp.path(), SQLITE_OPEN_READONLY), SQLITE_OK);

@@ -1,6 +1,11 @@
 #pragma once
 // Short ways for store tests to make keys and read back what the backend
-// holds, always through the StoreBackend calls themselves.
+// holds, always through the StoreBackend calls themselves, and to run a
+// second process against the same file.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,47 +13,34 @@
 
 namespace braxcfg::test {
 
-// A handle that closes itself.
-class KeyHandle {
-public:
-    KeyHandle(platform::StoreBackend& store, platform::HKey key) : store_(store), key_(key) {}
-    ~KeyHandle() {
-        if (key_ != platform::kNoKey) store_.closeKey(key_);
-    }
-    KeyHandle(const KeyHandle&) = delete;
-    KeyHandle& operator=(const KeyHandle&) = delete;
-    operator platform::HKey() const { return key_; }
+using platform::HKey;
+using platform::StoreBackend;
 
-private:
-    platform::StoreBackend& store_;
-    platform::HKey key_;
-};
+inline const std::uint8_t* bytesOf(const void* data) { return static_cast<const std::uint8_t*>(data); }
+inline std::uint8_t* bytesOf(void* data) { return static_cast<std::uint8_t*>(data); }
 
-inline platform::HKey createKey(platform::StoreBackend& store, const std::string& path,
-                                platform::HKey parent = platform::kLocalMachine) {
-    platform::HKey key = platform::kNoKey;
+inline HKey createKey(StoreBackend& store, const std::string& path, HKey parent = platform::kLocalMachine) {
+    HKey key = platform::kNoKey;
     store.createKey(parent, path.c_str(), platform::kKeyAllAccess, &key, nullptr);
     return key;
 }
 
-inline platform::RegResult setString(platform::StoreBackend& store, platform::HKey key, const char* name,
-                                     const std::string& text) {
-    return store.setValue(key, name, platform::kRegSz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
+inline platform::RegResult setString(StoreBackend& store, HKey key, const char* name, const std::string& text) {
+    return store.setValue(key, name, platform::kRegSz, bytesOf(text.c_str()),
                           static_cast<std::uint32_t>(text.size() + 1));
 }
 
 // The stored bytes of a value; "<missing>" when reading fails.
-inline std::string valueBytes(platform::StoreBackend& store, platform::HKey key, const char* name) {
+inline std::string valueBytes(StoreBackend& store, HKey key, const char* name) {
     std::uint32_t size = 0;
     if (store.queryValue(key, name, nullptr, nullptr, &size) != platform::kErrorSuccess) return "<missing>";
     std::string bytes(size, '\0');
-    if (size && store.queryValue(key, name, nullptr, reinterpret_cast<std::uint8_t*>(bytes.data()), &size) !=
-                    platform::kErrorSuccess)
+    if (size && store.queryValue(key, name, nullptr, bytesOf(bytes.data()), &size) != platform::kErrorSuccess)
         return "<missing>";
     return bytes;
 }
 
-inline std::vector<std::string> subkeyNames(platform::StoreBackend& store, platform::HKey key) {
+inline std::vector<std::string> subkeyNames(StoreBackend& store, HKey key) {
     std::vector<std::string> names;
     char name[512];
     for (std::uint32_t i = 0; store.enumKey(key, i, name, sizeof name) == platform::kErrorSuccess; ++i)
@@ -56,15 +48,46 @@ inline std::vector<std::string> subkeyNames(platform::StoreBackend& store, platf
     return names;
 }
 
-inline std::vector<std::string> valueNames(platform::StoreBackend& store, platform::HKey key) {
+inline std::vector<std::string> valueNames(StoreBackend& store, HKey key) {
     std::vector<std::string> names;
     char name[512];
     for (std::uint32_t i = 0;; ++i) {
         std::uint32_t cch = sizeof name;
-        if (store.enumValue(key, i, name, &cch, nullptr, nullptr, nullptr) != platform::kErrorSuccess) break;
+        if (store.enumValue(key, i, name, &cch, nullptr, nullptr, nullptr) != platform::kErrorSuccess) return names;
         names.emplace_back(name, cch);
     }
-    return names;
+}
+
+// Another process: forked while this one has no store open; what the body
+// returns comes back as its report.
+struct Child {
+    pid_t pid = -1;
+    int report = -1;
+};
+
+inline Child startChild(const std::function<std::string()>& body) {
+    int fds[2];
+    if (::pipe(fds) != 0) return {};
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        const std::string report = body();
+        const bool sent = ::write(fds[1], report.data(), report.size()) == static_cast<ssize_t>(report.size());
+        ::_exit(sent ? 0 : 1);
+    }
+    ::close(fds[1]);
+    return {pid, fds[0]};
+}
+
+inline std::string finishChild(const Child& child) {
+    std::string report;
+    char buffer[256];
+    for (ssize_t n; child.report >= 0 && (n = ::read(child.report, buffer, sizeof buffer)) > 0;)
+        report.append(buffer, static_cast<std::size_t>(n));
+    if (child.report >= 0) ::close(child.report);
+    int status = -1;
+    if (child.pid <= 0 || ::waitpid(child.pid, &status, 0) != child.pid || !WIFEXITED(status) || WEXITSTATUS(status))
+        report += "<child failed>";
+    return report;
 }
 
 }  // namespace braxcfg::test
