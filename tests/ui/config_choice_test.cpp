@@ -7,101 +7,75 @@
 #include "dialog_test_support.h"
 #include "dialogs/choice_help.h"
 #include "ui/message_box.h"
-#include "ui/modal_script.h"
 
 namespace braxcfg::dialogs {
 namespace {
 
-using test::buttonLabelled;
-using test::buttonsLabelled;
-using test::labelText;
-using test::press;
-using test::screenshot;
+using namespace test;
 using ui::kIdCancel;
 using ui::kIdOk;
-using ui::MessageBoxCapture;
+using ui::MessageIcon;
 using ui::ModalScript;
 
-const char* const kRadios[] = {
-    "&Identify all known devices once now (recommended).",
-    "&Automatically identify all known devices at run time.",
-    "&Manually configure devices on this interface.",
-};
+const char* const kRadios[] = {"&Identify all known devices once now (recommended).",
+                               "&Automatically identify all known devices at run time.",
+                               "&Manually configure devices on this interface."};
 
 int checkedRadio(CConfigChoice& dialog) {
     for (int i = 0; i < 3; ++i)
-        if (buttonLabelled(dialog, kRadios[i])->isChecked()) return i;
+        if (buttonsLabelled(dialog, kRadios[i]).at(0)->isChecked()) return i;
     return -1;
 }
 
-TEST(CConfigChoice, ContinueReadsTheGroupButOnlyAfterTestingThePreset) {
+TEST(CConfigChoice, ContinueTestsThePresetBeforeReadingTheGroup) {
     const std::string refusal = "You must choose an option before continuing.";
+    const auto escape = [](CConfigChoice& d) { QTest::keyClick(&d, Qt::Key_Escape); };
     struct Case {
-        const char* name;
+        std::string intf;
         int preset;
         std::function<void(CConfigChoice&)> act;
-        int result;
-        int choice;
+        int result, choice;
         std::vector<std::string> messages;
     };
     const Case cases[] = {
-        {"untouched", 0, [](CConfigChoice& d) { press(d, "&Continue"); }, kIdOk, 0, {}},
-        {"third radio", 0,
-         [](CConfigChoice& d) {
-             press(d, kRadios[2]);
-             press(d, "&Continue");
-         },
-         kIdOk, 2, {}},
-        {"Enter after the second radio", 0,
-         [](CConfigChoice& d) {
-             press(d, kRadios[1]);
-             QTest::keyClick(&d, Qt::Key_Return);
-         },
-         kIdOk, 1, {}},
+        // Untouched (80 characters pass), the third radio, Enter after the second: the group is read.
+        {std::string(80, 'G'), 0, [](auto& d) { press(d, "&Continue"); }, kIdOk, 0, {}},
+        {"GPIB0", 0, [](auto& d) { press(d, kRadios[2]); press(d, "&Continue"); }, kIdOk, 2, {}},
+        {"GPIB0", 0, [](auto& d) { press(d, kRadios[1]); QTest::keyClick(&d, Qt::Key_Return); }, kIdOk, 1, {}},
         // Escape reads no control: the preset stays, whatever was clicked.
-        {"Escape", 0,
-         [](CConfigChoice& d) {
-             press(d, kRadios[2]);
-             QTest::keyClick(&d, Qt::Key_Escape);
-         },
-         kIdCancel, 0, {}},
+        {"GPIB0", 0, [&](auto& d) { press(d, kRadios[2]); escape(d); }, kIdCancel, 0, {}},
         // Without the preset every Continue is refused, even with a radio
         // checked, since the test comes before the group is read.
-        {"no preset", -1,
-         [](CConfigChoice& d) {
-             EXPECT_EQ(checkedRadio(d), -1);
-             press(d, "&Continue");
-             press(d, kRadios[1]);
-             press(d, "&Continue");
-             EXPECT_TRUE(d.isVisible());
-             QTest::keyClick(&d, Qt::Key_Escape);
-         },
+        {"GPIB0", -1, [&](auto& d) { press(d, "&Continue"); press(d, kRadios[1]); press(d, "&Continue"); escape(d); },
          kIdCancel, -1, {refusal, refusal}},
+        // A refused text keeps the dialog open; the group was read before it.
+        {std::string(81, 'G'), 0, [&](auto& d) { press(d, kRadios[1]); press(d, "&Continue"); escape(d); }, kIdCancel,
+         1, {"Please enter no more than 80 characters."}},
     };
     for (const Case& c : cases) {
-        MessageBoxCapture boxes;
+        SCOPED_TRACE(testing::Message() << "row " << (&c - cases));
+        ui::MessageBoxCapture boxes;
         ModalScript script;
         script.expect<CConfigChoice>([&](CConfigChoice& dialog) {
-            EXPECT_EQ(checkedRadio(dialog), c.preset) << c.name;
+            EXPECT_EQ(checkedRadio(dialog), c.preset);
+            EXPECT_EQ(shownText(dialog, "intfNameLabel"), c.intf);
             c.act(dialog);
         });
         CConfigChoice dialog(nullptr);
-        dialog.m_intfName = "GPIB0";
+        dialog.m_intfName = c.intf;
         dialog.m_choice = c.preset;
-        EXPECT_EQ(dialog.doModal(), c.result) << c.name;
-        EXPECT_EQ(dialog.m_choice, c.choice) << c.name;
-        EXPECT_EQ(boxes.texts(), c.messages) << c.name;
-        EXPECT_TRUE(script.problems().empty()) << c.name;
+        EXPECT_EQ(dialog.doModal(), c.result);
+        EXPECT_EQ(dialog.m_choice, c.choice);
+        EXPECT_EQ(boxes.texts(), c.messages);
+        for (const ui::MessageBoxRequest& box : boxes.requests())
+            EXPECT_EQ(box.icon, box.text == refusal ? MessageIcon::None : MessageIcon::Exclamation);
+        EXPECT_EQ(problems(script), "");
     }
 }
 
 TEST(CConfigChoice, EachHelpButtonShowsItsMethodAndKeepsTheSelection) {
-    struct HelpText {
-        const char* title;
-        const char* advantages;
-        const char* disadvantages;
-    };
-    const HelpText texts[] = {
+    const char* const labels[] = {"titleLabel", "advantagesLabel", "disadvantagesLabel"};
+    const char* const texts[3][3] = {
         {"Identify all known devices once now (recommended).", "Faster run-time execution.\nEasy Configuration.",
          "Must re-run configuration tool to add new instruments."},
         {"Automatically identify all known devices at run time.",
@@ -111,24 +85,18 @@ TEST(CConfigChoice, EachHelpButtonShowsItsMethodAndKeepsTheSelection) {
         {"Manually configure devices on this interface.", "Most Flexible.",
          "Requires more manual steps during configuration process."},
     };
-    for (int help = 0; help < 3; ++help) {
-        const HelpText& expected = texts[help];
+    for (std::size_t help = 0; help < 3; ++help) {
         ModalScript script;
         script
             .expect<CConfigChoice>([&](CConfigChoice& dialog) {
                 press(dialog, kRadios[1]);
-                const auto helpButtons = buttonsLabelled(dialog, "Help");
-                ASSERT_EQ(helpButtons.size(), 3u);
-                QTest::mouseClick(helpButtons[static_cast<std::size_t>(help)], Qt::LeftButton);
+                QTest::mouseClick(buttonsLabelled(dialog, "Help").at(help), Qt::LeftButton);
                 EXPECT_EQ(checkedRadio(dialog), 1);
                 if (help == 1) screenshot(dialog, "config_choice");
                 press(dialog, "&Continue");
             })
             .expect<CChoiceHelp>([&](CChoiceHelp& dialog) {
-                EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Help on Configuration Choice"));
-                EXPECT_EQ(labelText(dialog, "titleLabel"), expected.title);
-                EXPECT_EQ(labelText(dialog, "advantagesLabel"), expected.advantages);
-                EXPECT_EQ(labelText(dialog, "disadvantagesLabel"), expected.disadvantages);
+                for (int i = 0; i < 3; ++i) EXPECT_EQ(shownText(dialog, labels[i]), texts[help][i]);
                 screenshot(dialog, "choice_help_" + std::to_string(help));
                 press(dialog, "OK");
             });
@@ -136,36 +104,8 @@ TEST(CConfigChoice, EachHelpButtonShowsItsMethodAndKeepsTheSelection) {
         dialog.m_intfName = "GPIB0";
         dialog.m_choice = 0;
         EXPECT_EQ(dialog.doModal(), kIdOk);
-        EXPECT_EQ(dialog.m_choice, 1) << "help " << help;
-        EXPECT_TRUE(script.problems().empty()) << "help " << help;
-    }
-}
-
-TEST(CConfigChoice, InterfaceTextIsLimitedTo80Characters) {
-    struct Case {
-        std::size_t length;
-        int result;
-        std::vector<std::string> messages;
-    };
-    const Case cases[] = {
-        {80, kIdOk, {}},
-        {81, kIdCancel, {"Please enter no more than 80 characters."}},
-    };
-    for (const Case& c : cases) {
-        MessageBoxCapture boxes;
-        ModalScript script;
-        script.expect<CConfigChoice>([&](CConfigChoice& dialog) {
-            EXPECT_EQ(labelText(dialog, "intfNameLabel"), std::string(c.length, 'G'));
-            press(dialog, "&Continue");
-            // A refused text keeps the dialog open; leave it with Escape.
-            if (dialog.isVisible()) QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        CConfigChoice dialog(nullptr);
-        dialog.m_intfName = std::string(c.length, 'G');
-        dialog.m_choice = 0;
-        EXPECT_EQ(dialog.doModal(), c.result) << c.length;
-        EXPECT_EQ(boxes.texts(), c.messages) << c.length;
-        for (const ui::MessageBoxRequest& box : boxes.requests()) EXPECT_EQ(box.icon, ui::MessageIcon::Exclamation);
+        EXPECT_EQ(dialog.m_choice, 1);
+        EXPECT_EQ(problems(script), "") << "help " << help;
     }
 }
 
