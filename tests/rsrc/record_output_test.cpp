@@ -3,82 +3,66 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <string>
 
 #include "rsrc/allocation.h"
 #include "rsrc/io_parms.h"
-#include "rsrc_test_support.h"
+#include "store_builder.h"
+#include "temp_store.h"
 
 namespace braxcfg::rsrc {
 namespace {
 
 std::string dumpText(IoParms& parms) {
-    std::FILE* file = std::tmpfile();
+    char* data = nullptr;
+    std::size_t size = 0;
+    std::FILE* file = open_memstream(&data, &size);
     parms.dump(file);
-    std::string text(static_cast<std::size_t>(std::ftell(file)), '\0');
-    std::rewind(file);
-    const std::size_t read = std::fread(text.data(), 1, text.size(), file);
     std::fclose(file);
-    text.resize(read);
+    std::string text(data, size);
+    std::free(data);
     return text;
-}
-
-std::string addressLine(const IoParms& parms) {
-    char line[64];
-    std::snprintf(line, sizeof line, "\nIoParms instance: 0x%lx\n", reinterpret_cast<unsigned long>(&parms));
-    return line;
 }
 
 TEST(IoParmsCopyOut, BufferRulesOfTheCanonicalAndAlternateNames) {
     const test::TempStore store;
-    std::vector<char> input = test::writable("TCPIP0::myhost::INSTR");
+    std::string input("TCPIP0::myhost::INSTR");
     IoParms parms;
     ASSERT_EQ(parms.parse(input.data(), false), visa::VI_SUCCESS);
     const char* own = parms.getCanonicalName(nullptr, 0);
     ASSERT_STREQ(own, "TCPIP0::myhost::inst0::INSTR");
-    const struct {
-        int size;
-        bool intoBuffer;
-        const char* expected;  // buffer content afterwards
-    } cases[] = {{64, true, "TCPIP0::myhost::inst0::INSTR"},
-                 {7, true, "TCPIP0"},
-                 {1, true, ""},
-                 {0, false, "untouched"},
-                 {-5, false, "untouched"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.size);
+    // size, and the buffer content afterwards; below 1 the record's own text is returned.
+    for (const auto& [size, expected] : std::vector<std::pair<int, const char*>>{
+             {64, "TCPIP0::myhost::inst0::INSTR"}, {7, "TCPIP0"}, {1, ""}, {0, "untouched"}, {-5, "untouched"}}) {
+        SCOPED_TRACE(size);
         char buffer[64] = "untouched";
-        EXPECT_EQ(parms.getCanonicalName(buffer, c.size), c.intoBuffer ? buffer : own);
-        EXPECT_STREQ(buffer, c.expected);
+        EXPECT_EQ(parms.getCanonicalName(buffer, size), size >= 1 ? buffer : own);
+        EXPECT_STREQ(buffer, expected);
     }
     EXPECT_EQ(parms.getCanonicalName(nullptr, 64), own);
-    {
-        // An alternate name that cannot be allocated still empties the buffer.
-        const ScopedAllocationFault fault(1);
+    for (const bool allocationFails : {true, false}) {
+        // No alternate name, even one that cannot be allocated, still empties the buffer.
+        const ScopedAllocationFault fault(allocationFails ? 1 : 0);
         char alternate[16] = "untouched";
         EXPECT_EQ(parms.getAltName(alternate, sizeof alternate), alternate);
         EXPECT_STREQ(alternate, "");
     }
-    char alternate[16] = "untouched";
-    EXPECT_EQ(parms.getAltName(alternate, sizeof alternate), alternate);
-    EXPECT_STREQ(alternate, "");
 }
 
 // The chassis-and-slot writing lands in the canonical name, bounded by the
 // size given, whichever buffer the builder was asked to fill.
 TEST(IoParmsPxi, ChassisWritingAlwaysGoesIntoTheCanonicalName) {
     const test::TempStore store;
-    std::vector<char> input = test::writable("PXI0::chassis1::slot5::INSTR");
+    std::string input("PXI0::chassis1::slot5::INSTR");
     IoParms parms;
     ASSERT_EQ(parms.parse(input.data(), false), visa::VI_SUCCESS);
     char target[32] = "untouched";
     parms.buildPxiBdfName(target, 10);
-    EXPECT_STREQ(target, "untouched");
     EXPECT_STREQ(parms.getCanonicalName(nullptr, 0), "PXI0::CHA");
     parms.buildPxiLegacyName(target, 1024);
-    EXPECT_STREQ(target, "untouched");
     EXPECT_STREQ(parms.getCanonicalName(nullptr, 0), "PXI0::CHASSIS1::SLOT5::FUNC0::INSTR");
+    EXPECT_STREQ(target, "untouched");
 }
 
 TEST(IoParmsDump, PrintsEveryFieldInItsFixedFormat) {
@@ -86,10 +70,12 @@ TEST(IoParmsDump, PrintsEveryFieldInItsFixedFormat) {
     test::putInterface("INTF0", "USB0", "USB");
     test::putString(test::underProduct("INTF0"), "VISAKorlIntfName", "KUSB0");
     test::putDword(test::underProduct("INTF0"), "VISAExportEnabled", 1);
-    std::vector<char> input = test::writable(" USB0::0x1234::0x5678::SN42::INSTR");
+    std::string input(" USB0::0x1234::0x5678::SN42::INSTR");
     IoParms parms;
     ASSERT_EQ(parms.parse(input.data(), false), visa::VI_SUCCESS);
-    EXPECT_EQ(dumpText(parms), addressLine(parms) +
+    char address[64];
+    std::snprintf(address, sizeof address, "\nIoParms instance: 0x%lx\n", reinterpret_cast<unsigned long>(&parms));
+    EXPECT_EQ(dumpText(parms), std::string(address) +
                                    "   rsrcString    = 'USB0::0x1234::0x5678::SN42::INSTR'\n"
                                    "   canonicalName = 'USB0::0x1234::0x5678::SN42::0::INSTR'\n"
                                    "   count         = 5\n"
@@ -108,12 +94,9 @@ TEST(IoParmsDump, PrintsEveryFieldInItsFixedFormat) {
                                    "        3:          -1, 'SN42'\n"
                                    "        4:          -1, 'INSTR'\n"
                                    "\n");
-}
-
-TEST(IoParmsDump, UnparsedRecordPrintsNullFieldsAndNoElements) {
-    const test::TempStore store;
-    IoParms parms;
-    const std::string text = dumpText(parms);
+    // Never parsed: NULL texts, the initial status, board -1 and no elements.
+    IoParms empty;
+    const std::string text = dumpText(empty);
     for (const char* line :
          {"\n   rsrcString    = NULL\n", "\n   lastError     = -1073807342\n", "\n   intfTypeStr   = NULL\n",
           "\n   rsrcClassStr  = NULL\n", "\n   board#        = -1\n", "\n   pCount        = -2\n\n"})

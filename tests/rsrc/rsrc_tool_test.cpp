@@ -11,28 +11,18 @@
 namespace braxcfg::test {
 namespace {
 
-struct ToolRun {
-    std::string out;
-    int exitCode = -1;
-};
-
-std::string shellQuoted(const std::string& word) {
-    std::string quoted = "'";
-    for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-ToolRun runTool(const std::string& storePath, const std::vector<std::string>& args) {
-    std::string command = shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(storePath);
-    for (const std::string& arg : args) command += " " + shellQuoted(arg);
-    ToolRun run;
+// The tool's standard output and exit code (-1 when it did not exit).
+std::pair<std::string, int> runTool(const std::string& storePath, const std::vector<std::string>& args) {
+    // No "'" in the build paths or in any argument here.
+    std::string command = "'" BRAXCFG_TOOL_PATH "' --store '" + storePath + "'";
+    for (const std::string& arg : args) command += " '" + arg + "'";
     std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) return run;
+    if (pipe == nullptr) return {"", -1};
+    std::string out;
     char chunk[4096];
-    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) run.out.append(chunk, n);
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, n);
     const int status = pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
+    return {out, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
 TEST(RsrcTool, CanonPrintsNamesAndStatusPerString) {
@@ -47,29 +37,25 @@ TEST(RsrcTool, CanonPrintsNamesAndStatusPerString) {
          "GPIB0::7::INSTR\t\t0x00000000\n",
          0},
         // After "--" even "-x" and "" are resource strings.
-        {{"rsrc", "canon", "--", "gpib0::7::instr", "-x", ""},
-         "GPIB0::7::INSTR\t\t0x00000000\n\t\t0xBFFF0012\n\t\t0xBFFF0012\n",
-         1},
+        {{"rsrc", "canon", "--", "gpib0::7::instr", "-x", ""}, "GPIB0::7::INSTR\t\t0x00000000\n\t\t0xBFFF0012\n\t\t0xBFFF0012\n", 1},
         {{"rsrc", "canon"}, "", 2},
         {{"rsrc", "canon", "-x"}, "", 2},
         {{"rsrc", "frob", "GPIB0::7"}, "", 2},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.args.size() > 2 ? c.args[2] : c.args.back());
-        const ToolRun run = runTool(store.path(), c.args);
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_EQ(run.exitCode, c.exitCode);
+        SCOPED_TRACE(testing::PrintToString(c.args));
+        EXPECT_EQ(runTool(store.path(), c.args), std::make_pair(c.out, c.exitCode));
     }
 }
 
 TEST(RsrcTool, DumpPrintsTheRecordOfEachString) {
     const TempStore store;
-    const ToolRun run = runTool(store.path(), {"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.out.rfind("\nIoParms instance: 0x", 0), 0u);
+    const auto [out, exitCode] = runTool(store.path(), {"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"});
+    EXPECT_EQ(exitCode, 1);
+    EXPECT_EQ(out.rfind("\nIoParms instance: 0x", 0), 0u);
     for (const char* part :
          {"= 'GPIB0::7'\n   canonicalName = 'GPIB0::7::INSTR'\n", "= 'GPIB0::FOO'\n   canonicalName = ''\n"})
-        EXPECT_NE(run.out.find(part), std::string::npos) << part;
+        EXPECT_NE(out.find(part), std::string::npos) << part;
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "rsrc/io_parms.h"
-#include "rsrc_test_support.h"
+#include "store_builder.h"
+#include "temp_store.h"
 #include "visacore/config/reg_visa_config.h"
-#include "visacore/config/use_registry.h"
 
 namespace braxcfg::rsrc {
 namespace {
@@ -26,7 +26,7 @@ struct IntfAnswer {
 void expectAnswers(const std::vector<IntfAnswer>& answers) {
     for (const IntfAnswer& a : answers) {
         SCOPED_TRACE(a.input);
-        std::vector<char> buffer = test::writable(a.input);
+        std::string buffer = a.input;
         IoParms parms;
         parms.parse(buffer.data(), false);
         char name[visa::kConfigTextChars] = "stale";
@@ -36,11 +36,10 @@ void expectAnswers(const std::vector<IntfAnswer>& answers) {
     }
 }
 
-void putKorlInterface(const std::string& key, const std::string& visaName, const char* korlName,
-                      std::uint32_t exportFlag) {
+void putKorlInterface(const std::string& key, const std::string& visaName, const char* korlName, std::uint32_t flag) {
     test::putInterface(key, visaName, "");
     putString(underProduct(key), "VISAKorlIntfName", korlName);
-    putDword(underProduct(key), "VISAExportEnabled", exportFlag);
+    putDword(underProduct(key), "VISAExportEnabled", flag);
 }
 
 TEST(VisaConfig, StoreBackedAnswersComeFromTheKeyWithThatVisaName) {
@@ -57,24 +56,16 @@ TEST(VisaConfig, StoreBackedAnswersComeFromTheKeyWithThatVisaName) {
                    {"ASRL9::INSTR", "", false},
                    {"TCPIP1::host::INSTR", "", false},
                    {"PXI3::5::INSTR", "PXIK", true}});  // legacy PXI naming: interface PXI0
-}
-
-TEST(VisaConfig, HighestInterfaceNumberCountsExactPrefixOnly) {
-    const test::TempStore store;
-    for (const char* key : {"INTF0", "INTF7", "INTF10", "INTFX", "INTF", "intf30", "INTF2abc"})
-        test::putKey(underProduct(key));
-    EXPECT_EQ(visa::RegVISAConfig().getMaxIntfNum(), 10);
+    // The highest interface number: leading digits after a case-sensitive "INTF".
+    for (const char* key : {"INTF10", "INTF12abc", "INTFX", "intf30"}) test::putKey(underProduct(key));
+    EXPECT_EQ(visa::RegVISAConfig().getMaxIntfNum(), 12);
 }
 
 TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
     const test::TempStore store;
     const std::string baseDir = test::testOutputDir("visacfg-ini");
-    std::ofstream(baseDir + "/visacfg.ini") << "[TCPIP0]\n"
-                                               "VISAKorlIntfName = IniLan0\n"
-                                               "VISAExportEnabled=1\n"
-                                               "[gpib1]\n"
-                                               "VISAKorlIntfName=\"Quoted G1\"\n"
-                                               "VISAExportEnabled=65536\n";
+    std::ofstream(baseDir + "/visacfg.ini") << "[TCPIP0]\nVISAKorlIntfName = IniLan0\nVISAExportEnabled=1\n"
+                                               "[gpib1]\nVISAKorlIntfName=\"Quoted G1\"\nVISAExportEnabled=65536\n";
     putKorlInterface("INTF0", "TCPIP0", "LAN0", 0);  // not read while the INI file is used
     putDword(underProduct(), "UseRegistryVisaConfig", 0);
     putString(underProduct(), "BaseDir", baseDir);
@@ -82,7 +73,6 @@ TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
     expectAnswers({{"TCPIP0::host::INSTR", "IniLan0", true},
                    {"GPIB1::5::INSTR", "Quoted G1", false},
                    {"ASRL9::INSTR", "", false}});
-
     putString(underProduct(), "BaseDir", baseDir + "/missing");
     store.reopen();
     expectAnswers({{"TCPIP0::host::INSTR", "", false}});
