@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -16,18 +15,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using ModuleIdFn = int();
-
-// Runs a test in a scratch working directory, with the module path and
-// store it sets up, and puts everything back afterwards.
+// Each test works in a scratch folder of its own (a module, once loaded,
+// stays loaded under its path) and puts the working directory back.
 class ModuleLoaderTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        previousDir_ = fs::current_path();
-        scratch_ = fs::path(test::testOutputDir("modules")) /
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(scratch_);
-        fs::create_directories(scratch_);
         unsetenv("BRAXCFG_MODULE_PATH");
     }
     void TearDown() override {
@@ -35,93 +28,80 @@ protected:
         unsetenv("BRAXCFG_MODULE_PATH");
         fs::remove_all(scratch_);
     }
-    // Copies the fake modules of `folder` into `dir`.
-    static void copyModules(const char* folder, const fs::path& dir) {
-        fs::create_directories(dir);
+    // A copy of the fake modules built into `folder` ("both": libautocf.so
+    // saying 1 and AUTOCF.so saying 2; "upper": AUTOCF.so only), in `dir`.
+    fs::path modules(const char* folder, const char* dir) const {
+        fs::create_directories(scratch_ / dir);
         for (const auto& entry : fs::directory_iterator(fs::path(FAKE_MODULES_DIR) / folder))
-            fs::copy_file(entry.path(), dir / entry.path().filename(), fs::copy_options::overwrite_existing);
+            fs::copy_file(entry.path(), scratch_ / dir / entry.path().filename());
+        return scratch_ / dir;
     }
-    static int loadedModuleId(ViStatus* status = nullptr) {
+    static void searchPath(const std::string& path) { setenv("BRAXCFG_MODULE_PATH", path.c_str(), 1); }
+    // The id the loaded module reports, 0 when the slot stayed empty.
+    static int loadedModuleId(int flag = kLoadIfNeeded, ViStatus* status = nullptr) {
         void* slot = reinterpret_cast<void*>(1);
-        const ViStatus result = osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", &slot, kLoadIfNeeded);
+        const ViStatus result = osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", &slot, flag);
         if (status != nullptr) *status = result;
-        return slot != nullptr ? reinterpret_cast<ModuleIdFn*>(slot)() : 0;
+        return slot != nullptr ? reinterpret_cast<int (*)()>(slot)() : 0;
     }
 
     test::TempStore store_;  // "BaseDir" is "." unless a test writes it
-    fs::path previousDir_;
-    fs::path scratch_;
+    const fs::path previousDir_ = fs::current_path();
+    const fs::path scratch_ = fs::path(test::testOutputDir("modules")) /
+                              ::testing::UnitTest::GetInstance()->current_test_info()->name();
 };
 
 TEST_F(ModuleLoaderTest, NeverLoadsFromTheWorkingDirectory) {
-    copyModules("both", scratch_);
-    fs::current_path(scratch_);
+    fs::current_path(modules("both", "cwd"));
     // Empty and relative entries would mean the working directory.
     for (const char* path : {"", ".", ":", "./:modules", "::."}) {
         SCOPED_TRACE(path);
-        setenv("BRAXCFG_MODULE_PATH", path, 1);
+        searchPath(path);
         ViStatus status = VI_SUCCESS;
-        EXPECT_EQ(loadedModuleId(&status), 0);
+        EXPECT_EQ(loadedModuleId(kLoadIfNeeded, &status), 0);
         EXPECT_EQ(status, VI_ERROR_LIBRARY_NFOUND);
         for (const std::string& dir : moduleSearchDirectories()) EXPECT_TRUE(fs::path(dir).is_absolute()) << dir;
     }
 }
 
-TEST_F(ModuleLoaderTest, PrefersTheLibFileNameInEachDirectory) {
+TEST_F(ModuleLoaderTest, FindsModulesInTrustedDirectoriesPreferringTheLibName) {
     EXPECT_EQ(moduleFileNames("AUTOCF"), (std::vector<std::string>{"libautocf.so", "AUTOCF.so"}));
-    copyModules("both", scratch_ / "both");
-    copyModules("upper", scratch_ / "upper");
-    setenv("BRAXCFG_MODULE_PATH", (scratch_ / "both").c_str(), 1);
+    searchPath(modules("both", "both").string());
     EXPECT_EQ(loadedModuleId(), 1);
-    setenv("BRAXCFG_MODULE_PATH", ("relative:" + (scratch_ / "upper").string()).c_str(), 1);
+    searchPath("relative:" + modules("upper", "upper").string());
     EXPECT_EQ(loadedModuleId(), 2);
-}
-
-TEST_F(ModuleLoaderTest, FindsModulesBelowAnAbsoluteBaseDir) {
-    copyModules("upper", scratch_ / "base");
-    platform::Registry product(platform::kLocalMachine, platform::productKey(), platform::kRegOpenOrCreate);
-    product.setString("BaseDir", (scratch_ / "base").string());
+    unsetenv("BRAXCFG_MODULE_PATH");
+    platform::Registry(platform::kLocalMachine, platform::productKey(), platform::kRegOpenOrCreate)
+        .setString("BaseDir", modules("upper", "base").string());
     store_.reopen();
     EXPECT_EQ(loadedModuleId(), 2);
 }
 
 TEST_F(ModuleLoaderTest, MissingPiecesLeaveTheSlotEmpty) {
-    copyModules("upper", scratch_ / "dir");
-    setenv("BRAXCFG_MODULE_PATH", (scratch_ / "dir").c_str(), 1);
-    struct Case {
-        const char* module;
-        const char* name;
-        int flag;
-        ViStatus expected;
+    searchPath(modules("upper", "dir").string());
+    const struct { const char* module; const char* name; ViStatus expected; } cases[] = {
+        {"AUTOCF", "AUTOCF_moduleId", VI_SUCCESS},
+        {"AUTOCF", "AUTOCF_autoConfigReset", VI_ERROR_NIMPL_OPER},
+        {"NOSUCH", "AUTOCF_moduleId", VI_ERROR_LIBRARY_NFOUND},
+        {"../dir/AUTOCF", "AUTOCF_moduleId", VI_ERROR_LIBRARY_NFOUND},
+        {"", "AUTOCF_moduleId", VI_ERROR_LIBRARY_NFOUND},
+        {nullptr, "AUTOCF_moduleId", VI_ERROR_LIBRARY_NFOUND},
+        {"AUTOCF", nullptr, VI_ERROR_LIBRARY_NFOUND},
     };
-    const Case cases[] = {
-        {"AUTOCF", "AUTOCF_moduleId", kLoadIfNeeded, VI_SUCCESS},
-        {"AUTOCF", "AUTOCF_autoConfigReset", kLoadIfNeeded, VI_ERROR_NIMPL_OPER},
-        {"NOSUCH", "AUTOCF_moduleId", kLoadIfNeeded, VI_ERROR_LIBRARY_NFOUND},
-        {"../dir/AUTOCF", "AUTOCF_moduleId", kLoadIfNeeded, VI_ERROR_LIBRARY_NFOUND},
-        {"", "AUTOCF_moduleId", kLoadIfNeeded, VI_ERROR_LIBRARY_NFOUND},
-        {nullptr, "AUTOCF_moduleId", kLoadIfNeeded, VI_ERROR_LIBRARY_NFOUND},
-        {"AUTOCF", nullptr, kLoadIfNeeded, VI_ERROR_LIBRARY_NFOUND},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.module != nullptr ? c.module : "(null)");
         void* slot = reinterpret_cast<void*>(1);
-        EXPECT_EQ(osLoadEntryPoint(c.module, c.name, &slot, c.flag), c.expected);
+        EXPECT_EQ(osLoadEntryPoint(c.module, c.name, &slot, kLoadIfNeeded), c.expected);
         EXPECT_EQ(slot != nullptr, c.expected == VI_SUCCESS);
     }
     EXPECT_EQ(osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", nullptr, kLoadIfNeeded), VI_ERROR_INV_PARAMETER);
 }
 
 TEST_F(ModuleLoaderTest, LoadedOnlyFlagNeverLoads) {
-    copyModules("both", scratch_ / "fresh");
-    setenv("BRAXCFG_MODULE_PATH", (scratch_ / "fresh").c_str(), 1);
-    void* slot = reinterpret_cast<void*>(1);
-    EXPECT_EQ(osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", &slot, kLoadedOnly), VI_ERROR_LIBRARY_NFOUND);
-    EXPECT_EQ(slot, nullptr);
-    ASSERT_EQ(osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", &slot, kLoadIfNeeded), VI_SUCCESS);
-    void* again = nullptr;
-    EXPECT_EQ(osLoadEntryPoint("AUTOCF", "AUTOCF_moduleId", &again, kLoadedOnly), VI_SUCCESS);
-    EXPECT_EQ(again, slot);
+    searchPath(modules("both", "fresh").string());
+    EXPECT_EQ(loadedModuleId(kLoadedOnly), 0);
+    EXPECT_EQ(loadedModuleId(kLoadIfNeeded), 1);
+    EXPECT_EQ(loadedModuleId(kLoadedOnly), 1);
 }
 
 }  // namespace

@@ -1,110 +1,161 @@
-// The built-in VISA services: status texts, the session table and the
-// probe's entry checks.
+// The VISA services: status texts, the built-in session table and the
+// probe's entry checks, handing everything to a system library (a stand-in
+// built by the tests), and the probe's configured timeout.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <cstring>
 #include <set>
-#include <string>
 
+#include "platform/debug_output.h"
+#include "platform/product_settings.h"
+#include "platform/registry.h"
+#include "temp_store.h"
+#include "visacore/probe_timeout.h"
 #include "visacore/status_text.h"
 #include "visacore/visa_api.h"
 
 namespace braxcfg::visa {
 namespace {
 
-class BuiltinVisaTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1);
-        reselectVisaLibrary();
-    }
-    void TearDown() override {
-        unsetenv("BRAXCFG_VISA_LIBRARY");
-        reselectVisaLibrary();
-    }
-};
+using std::chrono::milliseconds;
 
-TEST(StatusText, TableIsConsistent) {
+// The built-in VISA unless a test picks another (and puts it back): a VISA
+// library installed on the machine must not answer for it.
+void use(const char* choice) {
+    setenv("BRAXCFG_VISA_LIBRARY", choice, 1);
+    reselectVisaLibrary();
+}
+[[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
+
+TEST(StatusText, EveryEntryDescribesItsOwnCode) {
     std::set<std::string> names;
     for (const StatusText& entry : statusTexts()) {
         SCOPED_TRACE(entry.name);
         EXPECT_TRUE(names.insert(entry.name).second) << "duplicate name";
-        const bool error = static_cast<ViStatus>(entry.code) < 0;
-        const std::string name = entry.name;
-        EXPECT_EQ(name.rfind(error ? "VI_ERROR_" : "VI_", 0), 0u);
-        if (!error && entry.code != 0) {
-            EXPECT_TRUE(name.rfind("VI_SUCCESS_", 0) == 0 || name.rfind("VI_WARN_", 0) == 0);
-        }
-        const std::string description = entry.description;
-        EXPECT_FALSE(description.empty());
-        EXPECT_EQ(description.back(), '.');
-        EXPECT_LT(description.size(), kStatusDescLength);
+        EXPECT_EQ(findStatusText(toStatus(entry.code)), &entry) << "duplicate code";
+        EXPECT_TRUE(std::string(entry.name).starts_with(toStatus(entry.code) < 0 ? "VI_ERROR_" : "VI_"));
+        char desc[kStatusDescLength];
+        EXPECT_EQ(viStatusDesc(VI_NULL, toStatus(entry.code), desc), VI_SUCCESS);
+        EXPECT_STREQ(desc, entry.description) << "the text must fit the buffer";
+        EXPECT_TRUE(std::string(entry.description).ends_with('.'));
     }
 }
 
 TEST(StatusText, DescribesCodesByNumber) {
-    struct Case {
-        ViStatus status;
-        const char* name;
-        const char* description;
-    };
-    const Case cases[] = {
+    // name: empty when not in the table.
+    const struct { ViStatus status; const char* name; const char* description; } cases[] = {
         {VI_SUCCESS, "VI_SUCCESS", "Operation completed successfully."},
+        {VI_ERROR_TMO, "VI_ERROR_TMO", "Timeout expired before operation completed."},
         {VI_ERROR_RSRC_NFOUND, "VI_ERROR_RSRC_NFOUND",
          "Insufficient location information or the requested device or resource is not present in the system."},
         {VI_ERROR_MACHINE_NAVAIL, "VI_ERROR_MACHINE_NAVAIL",
          "The remote machine does not exist or is not accepting any connections."},
         {toStatus(0x3FFF007Du), "VI_SUCCESS_DEV_NPRESENT",
          "Session opened successfully, but the device at the specified address is not responding."},
+        {toStatus(0xBFFF0014u), "", "Unknown error code 0xBFFF0014."},  // a gap in the numbering
+        {toStatus(0x3FFF1234u), "", "Unknown completion code 0x3FFF1234."},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.description);
         const StatusText* entry = findStatusText(c.status);
-        ASSERT_NE(entry, nullptr) << c.name;
-        EXPECT_STREQ(entry->name, c.name);
-        EXPECT_EQ(statusDescription(c.status), c.description);
+        EXPECT_STREQ(entry != nullptr ? entry->name : "", c.name);
+        char desc[kStatusDescLength];
+        std::memset(desc, 'x', sizeof desc);
+        EXPECT_EQ(viStatusDesc(VI_NULL, c.status, desc), *c.name != '\0' ? VI_SUCCESS : VI_WARN_UNKNOWN_STATUS);
+        EXPECT_STREQ(desc, c.description);
     }
-    EXPECT_EQ(findStatusText(toStatus(0xBFFF0014u)), nullptr) << "a gap in the numbering";
-    EXPECT_EQ(statusDescription(toStatus(0xBFFF0014u)), "Unknown error code 0xBFFF0014.");
-    EXPECT_EQ(statusDescription(toStatus(0x3FFF1234u)), "Unknown completion code 0x3FFF1234.");
-}
-
-TEST_F(BuiltinVisaTest, StatusDescFillsTheBufferAndFlagsUnknownCodes) {
-    char desc[kStatusDescLength];
-    std::memset(desc, 'x', sizeof desc);
-    EXPECT_EQ(viStatusDesc(VI_NULL, VI_ERROR_TMO, desc), VI_SUCCESS);
-    EXPECT_STREQ(desc, "Timeout expired before operation completed.");
-    EXPECT_EQ(viStatusDesc(VI_NULL, toStatus(0xBFFF0014u), desc), VI_WARN_UNKNOWN_STATUS);
-    EXPECT_STREQ(desc, "Unknown error code 0xBFFF0014.");
     EXPECT_EQ(viStatusDesc(VI_NULL, VI_SUCCESS, nullptr), VI_ERROR_INV_PARAMETER);
 }
 
-TEST_F(BuiltinVisaTest, SessionsOpenAndCloseOnce) {
-    ViSession first = VI_NULL, second = VI_NULL;
+TEST(BuiltinVisa, SessionsOpenCloseOnceAndCheckTheProbesArguments) {
+    ViSession first = VI_NULL, second = VI_NULL, third = VI_NULL;
     ASSERT_EQ(viOpenDefaultRM(&first), VI_SUCCESS);
     ASSERT_EQ(viOpenDefaultRM(&second), VI_SUCCESS);
     EXPECT_NE(first, VI_NULL);
     EXPECT_NE(first, second);
     EXPECT_EQ(viClose(first), VI_SUCCESS);
     EXPECT_EQ(viClose(first), VI_ERROR_INV_OBJECT);
-    EXPECT_EQ(viProbeRsrc(first, kResourceProbeSelector, "GPIB0::1::INSTR"), VI_ERROR_INV_OBJECT)
-        << "a closed session cannot probe";
-    EXPECT_EQ(viClose(VI_NULL), VI_WARN_NULL_OBJECT);
-    EXPECT_EQ(viOpenDefaultRM(nullptr), VI_ERROR_INV_PARAMETER);
-    ViSession third = VI_NULL;
+    EXPECT_EQ(viProbeRsrc(first, kResourceProbeSelector, "GPIB0::1::INSTR"), VI_ERROR_INV_OBJECT);
     ASSERT_EQ(viOpenDefaultRM(&third), VI_SUCCESS);
     EXPECT_NE(third, first) << "numbers are not handed out again at once";
+    EXPECT_EQ(viProbeRsrc(second, kResourceProbeSelector + 1, "TCPIP0::127.0.0.1::1::SOCKET"), VI_ERROR_NSUP_OPER);
+    EXPECT_EQ(viProbeRsrc(second, kResourceProbeSelector, nullptr), VI_ERROR_INV_RSRC_NAME);
+    EXPECT_EQ(viProbeRsrc(second, kResourceProbeSelector, "TCPIP0::host::0::SOCKET"), VI_ERROR_INV_RSRC_NAME);
+    EXPECT_EQ(viProbeRsrc(second, kResourceProbeSelector, "GPIB0::1::INSTR"), VI_ERROR_NSUP_OPER);
+    EXPECT_EQ(viClose(VI_NULL), VI_WARN_NULL_OBJECT);
+    EXPECT_EQ(viOpenDefaultRM(nullptr), VI_ERROR_INV_PARAMETER);
     EXPECT_EQ(viClose(second), VI_SUCCESS);
     EXPECT_EQ(viClose(third), VI_SUCCESS);
 }
 
-TEST_F(BuiltinVisaTest, ProbeChecksItsArgumentsFirst) {
+TEST(SystemVisa, ForwardsEveryServiceToTheLibrary) {
+    const struct Restore { ~Restore() { use("builtin"); } } restore;
+    use(FAKE_VISA_PATH);
+    EXPECT_EQ(activeVisaLocation(), FAKE_VISA_PATH);
     ViSession rm = VI_NULL;
     ASSERT_EQ(viOpenDefaultRM(&rm), VI_SUCCESS);
-    EXPECT_EQ(viProbeRsrc(rm, kResourceProbeSelector + 1, "TCPIP0::127.0.0.1::1::SOCKET"), VI_ERROR_NSUP_OPER);
-    EXPECT_EQ(viProbeRsrc(rm, kResourceProbeSelector, nullptr), VI_ERROR_INV_RSRC_NAME);
-    EXPECT_EQ(viProbeRsrc(rm, kResourceProbeSelector, "GPIB0::1::INSTR"), VI_ERROR_NSUP_OPER);
-    viClose(rm);
+    EXPECT_EQ(rm, 0x5151u);
+    // closes: the instrument session is closed exactly when one was opened.
+    const struct { const char* resource; ViStatus expected; int closes; } cases[] = {
+        {"TCPIP0::127.0.0.1::found0::INSTR", VI_SUCCESS, 1},
+        {"TCPIP0::127.0.0.1::quiet0::INSTR", toStatus(0x3FFF007Du), 1},
+        {"TCPIP0::127.0.0.1::located0::INSTR", VI_ERROR_RSRC_NFOUND, 0},
+        {"TCPIP0::127.0.0.2::inst0::INSTR", VI_ERROR_MACHINE_NAVAIL, 0},
+    };
+    int closed = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.resource);
+        EXPECT_EQ(viProbeRsrc(rm, kResourceProbeSelector, c.resource, ProbeControl{milliseconds(1234)}), c.expected);
+        // The library's text says how many instruments it closed and the
+        // open timeout it was given (the probe's).
+        char desc[kStatusDescLength];
+        ASSERT_EQ(viStatusDesc(rm, VI_ERROR_TMO, desc), VI_SUCCESS);
+        closed += c.closes;
+        EXPECT_EQ(std::string(desc), "system text for BFFF0015; " + std::to_string(closed) + " closed, timeout 1234");
+    }
+    EXPECT_EQ(viClose(rm), VI_SUCCESS);
+}
+
+TEST(SystemVisa, FallsBackToTheBuiltinOne) {
+    // debugLine: what the fallback says; empty for a silent choice.
+    const struct { const char* choice; const char* debugLine; } cases[] = {
+        {FAKE_VISA_PARTIAL_PATH, "has no viOpen"},
+        {"/nonexistent/libvisa.so", "/nonexistent/libvisa.so"},
+        {"libvisa.so", "not an absolute path"},
+        {"builtin", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.choice);
+        platform::DebugCapture capture;
+        use(c.choice);
+        EXPECT_TRUE(activeVisaLocation().empty());
+        const bool said = capture.text().find(c.debugLine) != std::string::npos;
+        EXPECT_TRUE(*c.debugLine != '\0' ? said : capture.text().empty()) << capture.text();
+        char desc[kStatusDescLength];
+        EXPECT_EQ(viStatusDesc(VI_NULL, VI_ERROR_TMO, desc), VI_SUCCESS);
+        EXPECT_STREQ(desc, "Timeout expired before operation completed.");
+    }
+}
+
+TEST(ProbeTimeout, ProductSettingIsReadAndClamped) {
+    using Key = const platform::Registry&;
+    const struct { const char* what; void (*write)(Key); milliseconds expected; } cases[] = {
+        {"missing", [](Key) {}, milliseconds(3000)},
+        {"number", [](Key key) { key.setDword(kProbeTimeoutValue, 500); }, milliseconds(500)},
+        {"text", [](Key key) { key.setString(kProbeTimeoutValue, "1500"); }, milliseconds(1500)},
+        {"zero", [](Key key) { key.setDword(kProbeTimeoutValue, 0); }, milliseconds(3000)},
+        {"not a number", [](Key key) { key.setString(kProbeTimeoutValue, "soon"); }, milliseconds(3000)},
+        {"beyond the maximum", [](Key key) { key.setDword(kProbeTimeoutValue, 3600000); }, milliseconds(60000)},
+    };
+    for (const auto& [what, write, expected] : cases) {
+        SCOPED_TRACE(what);
+        test::TempStore store;
+        write(platform::Registry(platform::kLocalMachine, platform::productKey(), platform::kRegOpenOrCreate));
+        EXPECT_EQ(configuredProbeTimeout(), expected);
+        EXPECT_EQ(effectiveProbeTimeout(milliseconds(250)), milliseconds(250)) << "a caller's own timeout wins";
+        EXPECT_EQ(effectiveProbeTimeout(milliseconds(0)), expected);
+    }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The bytes the probe puts on the wire and how it reads answers, checked
-// against messages worked out by hand from the protocol definitions.
+// The bytes the probe puts on the wire and how it reads answers, against
+// messages worked out by hand from the protocol definitions.
 #include <gtest/gtest.h>
 
 #include "visacore/lan/hislip_message.h"
@@ -8,66 +8,57 @@
 namespace braxcfg::visa::lan {
 namespace {
 
+using namespace std::literals;
 using Bytes = std::vector<std::uint8_t>;
+using Kind = rpc::ReplyKind;
+using State = rpc::RecordAssembler::State;
 
-Bytes words(std::initializer_list<std::uint32_t> list) {
+// Big-endian words, then raw bytes.
+Bytes words(std::initializer_list<std::uint32_t> list, std::string_view tail = {}) {
     Bytes out;
     for (std::uint32_t w : list)
         for (int shift = 24; shift >= 0; shift -= 8) out.push_back(static_cast<std::uint8_t>(w >> shift));
-    return out;
-}
-
-Bytes concat(std::initializer_list<Bytes> parts) {
-    Bytes out;
-    for (const Bytes& part : parts) out.insert(out.end(), part.begin(), part.end());
+    out.insert(out.end(), tail.begin(), tail.end());
     return out;
 }
 
 TEST(OncRpc, CallsMatchHandEncodedRecords) {
-    const Bytes createLink = concat({words({0x80000040, 0x01020304, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0,  //
-                                            0x11, 0, 0, 5}),
-                                     {'i', 'n', 's', 't', '0', 0, 0, 0}});
-    EXPECT_EQ(rpc::createLinkCall(0x01020304, 0x11, "inst0"), createLink);
-
+    EXPECT_EQ(rpc::createLinkCall(0x01020304, 0x11, "inst0"),
+              words({0x80000040, 0x01020304, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0, 0x11, 0, 0, 5}, "inst0\0\0\0"sv));
     // A name whose length is a multiple of four gets no padding.
-    const Bytes fourChars = concat({words({0x8000003C, 1, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0, 2, 0, 0, 4}),
-                                    {'g', 'p', 'i', 'b'}});
-    EXPECT_EQ(rpc::createLinkCall(1, 2, "gpib"), fourChars);
-
+    EXPECT_EQ(rpc::createLinkCall(1, 2, "gpib"),
+              words({0x8000003C, 1, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0, 2, 0, 0, 4}, "gpib"));
     EXPECT_EQ(rpc::getPortCall(7, 0x0607AF, 1),
               words({0x80000038, 7, 0, 2, 100000, 2, 3, 0, 0, 0, 0, 0x0607AF, 1, 6, 0}));
     EXPECT_EQ(rpc::destroyLinkCall(9, 42), words({0x8000002C, 9, 0, 2, 0x0607AF, 1, 23, 0, 0, 0, 0, 42}));
 }
 
 TEST(OncRpc, ReadsReplyHeaders) {
-    struct Case {
+    const struct {
         const char* what;
         Bytes record;
-        rpc::ReplyKind kind;
+        Kind kind;
         std::uint32_t acceptStat = 0;
         std::size_t resultBytes = 0;
+    } cases[] = {
+        {"plain success", words({5, 1, 0, 0, 0, 0, 0x1234}), Kind::Accepted, 0, 4},
+        {"verifier with a padded body", words({5, 1, 0, 1, 5}, "abcde\0\0\0" "\0\0\0\0" "\0\0\x12\x34"sv),
+         Kind::Accepted, 0, 4},
+        {"program unavailable", words({5, 1, 0, 0, 0, 1}), Kind::Accepted, 1, 0},
+        {"denied", words({5, 1, 1, 0, 2, 2}), Kind::Denied},
+        {"another call's reply", words({6, 1, 0, 0, 0, 0, 1}), Kind::WrongXid},
+        {"a call, not a reply", words({5, 0, 2, 100000}), Kind::Malformed},
+        {"verifier longer than the record", words({5, 1, 0, 1, 8, 0}), Kind::Malformed},
+        {"verifier over the protocol's limit", words({5, 1, 0, 1, 404}, std::string(408, '\0')), Kind::Malformed},
+        {"no accept_stat", words({5, 1, 0, 0, 0}), Kind::Malformed},
+        {"reply_stat out of range", words({5, 1, 2, 0, 0, 0}), Kind::Malformed},
+        {"truncated word", words({5}, "\0\0"sv), Kind::Malformed},
     };
-    const Case cases[] = {
-        {"plain success", words({5, 1, 0, 0, 0, 0, 0x1234}), rpc::ReplyKind::Accepted, 0, 4},
-        {"verifier with a padded body",
-         concat({words({5, 1, 0, 1, 5}), {'a', 'b', 'c', 'd', 'e', 0, 0, 0}, words({0, 0x1234})}),
-         rpc::ReplyKind::Accepted, 0, 4},
-        {"program unavailable", words({5, 1, 0, 0, 0, 1}), rpc::ReplyKind::Accepted, 1, 0},
-        {"denied", words({5, 1, 1, 0, 2, 2}), rpc::ReplyKind::Denied},
-        {"another call's reply", words({6, 1, 0, 0, 0, 0, 1}), rpc::ReplyKind::WrongXid},
-        {"a call, not a reply", words({5, 0, 2, 100000}), rpc::ReplyKind::Malformed},
-        {"verifier longer than the record", words({5, 1, 0, 1, 8, 0}), rpc::ReplyKind::Malformed},
-        {"verifier over the protocol's limit", concat({words({5, 1, 0, 1, 404}), Bytes(404, 0), words({0})}),
-         rpc::ReplyKind::Malformed},
-        {"no accept_stat", words({5, 1, 0, 0, 0}), rpc::ReplyKind::Malformed},
-        {"reply_stat out of range", words({5, 1, 2, 0, 0, 0}), rpc::ReplyKind::Malformed},
-        {"truncated word", {0, 0, 0, 5, 0, 0}, rpc::ReplyKind::Malformed},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const rpc::Reply reply = rpc::parseReply(c.record, 5);
         EXPECT_EQ(reply.kind, c.kind);
-        if (c.kind != rpc::ReplyKind::Accepted) continue;
+        if (c.kind != Kind::Accepted) continue;
         EXPECT_EQ(reply.acceptStat, c.acceptStat);
         EXPECT_EQ(reply.results.size(), c.resultBytes);
     }
@@ -75,42 +66,38 @@ TEST(OncRpc, ReadsReplyHeaders) {
 
 TEST(OncRpc, JoinsFragmentsWhateverTheChunking) {
     // "abc" + "defg" in two fragments, then the start of the next record.
-    const Bytes stream = concat({words({0x00000003}), {'a', 'b', 'c'}, words({0x80000004}), {'d', 'e', 'f', 'g'},
-                                 words({0x80000000})});
+    const Bytes stream = words({3}, "abc\x80\0\0\4defg\x80\0\0\0"sv);
     for (std::size_t chunk : {std::size_t{1}, std::size_t{3}, std::size_t{5}, stream.size()}) {
         SCOPED_TRACE(chunk);
         rpc::RecordAssembler assembler;
-        auto state = rpc::RecordAssembler::State::NeedMore;
+        State state = State::NeedMore;
         std::size_t consumed = 0;
-        while (state == rpc::RecordAssembler::State::NeedMore && consumed < stream.size()) {
+        while (state == State::NeedMore && consumed < stream.size()) {
             std::span<const std::uint8_t> input(stream.data() + consumed, std::min(chunk, stream.size() - consumed));
             const std::size_t offered = input.size();
             state = assembler.feed(input);
             consumed += offered - input.size();
         }
-        EXPECT_EQ(state, rpc::RecordAssembler::State::Complete);
-        EXPECT_EQ(assembler.record(), (Bytes{'a', 'b', 'c', 'd', 'e', 'f', 'g'}));
+        EXPECT_EQ(state, State::Complete);
+        EXPECT_EQ(assembler.record(), words({}, "abcdefg"));
         EXPECT_EQ(consumed, stream.size() - 4) << "bytes of the next record must be left alone";
     }
 }
 
 TEST(OncRpc, RefusesRecordsAboveTheLimit) {
-    rpc::RecordAssembler assembler(16);
-    // Two fragments that are each small but together too large.
-    const Bytes stream = concat({words({10}), Bytes(10, 'x'), words({0x80000007})});
-    std::span<const std::uint8_t> input(stream);
-    EXPECT_EQ(assembler.feed(input), rpc::RecordAssembler::State::TooLarge);
-
-    rpc::RecordAssembler http;
-    const Bytes text{'H', 'T', 'T', 'P', '/', '1'};
-    std::span<const std::uint8_t> textInput(text);
-    EXPECT_EQ(http.feed(textInput), rpc::RecordAssembler::State::TooLarge);
+    // Two fragments that are each small but together too large, and text
+    // whose first four bytes read as a huge fragment.
+    const std::pair<std::size_t, Bytes> cases[] = {{16, words({10}, "xxxxxxxxxx\x80\0\0\7"sv)},
+                                                   {64 * 1024, words({}, "HTTP/1")}};
+    for (const auto& [limit, stream] : cases) {
+        rpc::RecordAssembler assembler(limit);
+        std::span<const std::uint8_t> input(stream);
+        EXPECT_EQ(assembler.feed(input), State::TooLarge);
+    }
 }
 
 TEST(Hislip, InitializeMatchesHandEncodedMessage) {
-    const Bytes expected{'H', 'S', 0, 0, 0x01, 0x00, 'B', 'X', 0, 0, 0, 0, 0, 0, 0, 7,
-                         'h', 'i', 's', 'l', 'i', 'p', '0'};
-    EXPECT_EQ(hislip::initializeMessage("hislip0"), expected);
+    EXPECT_EQ(hislip::initializeMessage("hislip0"), words({}, "HS\0\0\1\0BX\0\0\0\0\0\0\0\7hislip0"sv));
 }
 
 }  // namespace
