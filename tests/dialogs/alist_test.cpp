@@ -4,198 +4,105 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <vector>
 
 #include "platform/product_settings.h"
-#include "store_builder.h"
 #include "temp_store.h"
 
 namespace braxcfg::dialogs {
 namespace {
 
 using Text = AliasEntry::Text;
+using Items = std::vector<AliasEntry*>;
 
-std::vector<AliasEntry*> items(AList& list) {
-    std::vector<AliasEntry*> out;
-    list.reset();
-    while (AliasEntry* item = list.next()) out.push_back(item);
+Items items(AList& list) {
+    Items out;
+    for (list.reset(); AliasEntry* item = list.next();) out.push_back(item);
     return out;
 }
 
-// Entries that outlive the lists holding them.
-struct Entries {
-    AliasEntry* make(const char* name, const Text& rsrc = std::nullopt) {
-        owned.push_back(std::make_unique<AliasEntry>(Text(name), rsrc, std::nullopt));
-        return owned.back().get();
-    }
-    std::vector<std::unique_ptr<AliasEntry>> owned;
-};
+AliasEntry entry(const char* name, const Text& rsrc = std::nullopt) { return AliasEntry(name, rsrc, std::nullopt); }
 
-TEST(AList, AppendAfterRemovingTheLastNodeFindsTheNewLast) {
-    Entries e;
-    AliasEntry* a = e.make("a");
-    AliasEntry* b = e.make("b");
-    AliasEntry* c = e.make("c");
-    AliasEntry* d = e.make("d");
+TEST(AList, KeepsItsLastNodeAndCursorThroughRemovals) {
+    AliasEntry a = entry("a"), b = entry("b"), c = entry("c"), d = entry("d"), same = entry("a");
     AList list;
-    list.append(a);
-    list.append(b);
-    list.append(c);
-    EXPECT_EQ(list.remove(c), 0);
-    list.append(d);
-    EXPECT_EQ(items(list), (std::vector<AliasEntry*>{a, b, d}));
-    EXPECT_EQ(list.count(), 3u);
+    list.prepend(&a);  // the last node is not known yet
+    list.append(&b);
+    list.append(&c);
+    EXPECT_EQ(list.remove(&c), 0);  // the last node: append must find the new one
+    list.append(&a);
+    list.prepend(&c);  // keeps the known last node
+    list.append(&d);
+    EXPECT_EQ(items(list), (Items{&c, &a, &b, &a, &d}));
+    EXPECT_EQ(list.remove(&same), 1);  // an equal item is not this very item
+    EXPECT_EQ(list.remove(&a), 0);     // the first node holding it
+    EXPECT_EQ(items(list), (Items{&c, &b, &a, &d}));
 
-    // Removing the only node, then appending, starts the list anew.
-    AList single;
-    single.append(a);
-    single.remove(a);
-    single.append(b);
-    EXPECT_EQ(items(single), std::vector<AliasEntry*>{b});
-}
-
-TEST(AList, PrependKeepsTheKnownLastNode) {
-    Entries e;
-    AliasEntry* a = e.make("a");
-    AliasEntry* b = e.make("b");
-    AliasEntry* z = e.make("z");
-    AList list;
-    list.prepend(a);  // the last node is not known yet
-    list.append(b);
-    list.prepend(z);
-    list.append(a);
-    EXPECT_EQ(items(list), (std::vector<AliasEntry*>{z, a, b, a}));
-    EXPECT_EQ(list.count(), 4u);
-}
-
-TEST(AList, RemoveTakesTheFirstNodeOfThatVeryItem) {
-    Entries e;
-    AliasEntry* a = e.make("same");
-    AliasEntry* b = e.make("same");
-    AliasEntry* c = e.make("c");
-    AList list;
-    list.append(a);
-    list.append(b);
-    list.append(a);
-    list.append(c);
-    EXPECT_EQ(list.remove(e.make("same")), 1);
-    EXPECT_EQ(list.remove(a), 0);
-    EXPECT_EQ(items(list), (std::vector<AliasEntry*>{b, a, c}));
-
-    // The node under the cursor: the iteration goes on after it.
     list.reset();
-    EXPECT_EQ(list.next(), b);
-    EXPECT_EQ(list.remove(a), 0);
-    EXPECT_EQ(list.next(), c);
+    EXPECT_EQ(list.next(), &c);
+    EXPECT_EQ(list.remove(&b), 0);  // under the cursor: the iteration goes on after it
+    EXPECT_EQ(list.next(), &a);
+    EXPECT_EQ(list.next(), &d);
     EXPECT_EQ(list.next(), nullptr);
-    EXPECT_EQ(list.count(), 2u);
+    EXPECT_EQ(list.count(), 3u);
+    { const AList copy(list); }  // a second handle going leaves the nodes to the first
+    EXPECT_EQ(items(list), (Items{&c, &a, &d}));
+
+    AList single;  // removing the only node, then appending, starts anew
+    single.append(&a);
+    single.remove(&a);
+    single.append(&b);
+    EXPECT_EQ(items(single), Items{&b});
 }
 
 TEST(AList, DuplicatesIgnoreCaseAndDeletedEntries) {
-    Entries e;
+    AliasEntry scope = entry("Scope1", "TCPIP0::a::INSTR"), upper = entry("SCOPE1");
     AList list;
-    AliasEntry* scope = e.make("Scope1", Text("TCPIP0::a::INSTR"));
-    EXPECT_EQ(list.addRecord(scope), 0);
-    EXPECT_EQ(scope->state(), AliasState::Added);
-    AliasEntry* upper = e.make("SCOPE1");
-    EXPECT_EQ(list.findDuplicate(upper), scope);
-    EXPECT_EQ(list.addRecord(upper), 1);
-    EXPECT_EQ(upper->state(), AliasState::Unchanged);
-    EXPECT_EQ(list.findDuplicate(scope), nullptr);  // itself does not count
-
-    EXPECT_EQ(list.markDeleted(scope), 0);
-    EXPECT_EQ(list.addRecord(upper), 0);
-    EXPECT_EQ(items(list), (std::vector<AliasEntry*>{scope, upper}));
-    EXPECT_EQ(list.addRecord(nullptr), 1);
-    EXPECT_EQ(list.markDeleted(nullptr), 1);
-    EXPECT_EQ(list.markChanged(nullptr), 1);
-
-    EXPECT_EQ(list.findByRsrcString("tcpip0::A::instr"), scope);
+    EXPECT_EQ(list.addRecord(&scope), 0);
+    EXPECT_EQ(scope.state(), AliasState::Added);
+    EXPECT_EQ(list.findDuplicate(&upper), &scope);
+    EXPECT_EQ(list.addRecord(&upper), 1);
+    EXPECT_EQ(upper.state(), AliasState::Unchanged);
+    EXPECT_EQ(list.findDuplicate(&scope), nullptr);  // itself does not count
+    EXPECT_EQ(list.markDeleted(&scope), 0);
+    EXPECT_EQ(list.addRecord(&upper), 0);
+    EXPECT_EQ(items(list), (Items{&scope, &upper}));
+    EXPECT_EQ(list.addRecord(nullptr) + list.markDeleted(nullptr) + list.markChanged(nullptr), 3);
+    EXPECT_EQ(list.findByRsrcString("tcpip0::A::instr"), &scope);
     EXPECT_EQ(list.findByRsrcString("TCPIP0::b::INSTR"), nullptr);
 }
 
-TEST(AList, ACopyKeepsTheNodesAliveUntilTheLastHandleGoes) {
-    Entries e;
-    AliasEntry* a = e.make("a");
-    AliasEntry* b = e.make("b");
-    auto original = std::make_unique<AList>();
-    original->append(a);
-    original->append(b);
-    AList copy(*original);
-    original.reset();
-    EXPECT_EQ(items(copy), (std::vector<AliasEntry*>{a, b}));
-}
+TEST(AList, LoadsBothAliasListsByNameAndCommitsEachEntryByItsState) {
+    test::TempStore temp;
+    using platform::changeDeviceLists;
+    changeDeviceLists("Scope1", std::nullopt, "TCPIP0::scope::INSTR");
+    changeDeviceLists("Dmm", std::nullopt, "TCPIP0::dmm::INSTR");
+    changeDeviceLists("SCOPE1", "gpib0,1", std::nullopt);
+    changeDeviceLists("Only", "gpib0,2", std::nullopt);  // an alias in "Devices" only
+    AList list;
+    list.load();
+    const Items got = items(list);
+    std::vector<std::string> texts;
+    for (const AliasEntry* e : got)
+        texts.push_back(e->name().value_or("-") + " " + e->rsrcString().value_or("-") + " " +
+                        e->korlAddress().value_or("-") + " " + std::to_string(static_cast<int>(e->state())));
+    ASSERT_EQ(texts, (std::vector<std::string>{"Scope1 TCPIP0::scope::INSTR gpib0,1 0", "Dmm TCPIP0::dmm::INSTR - 0",
+                                               "Only - gpib0,2 1"}));  // Only: Added, so a commit writes it back
 
-class AliasLists : public ::testing::Test {
-protected:
-    void SetUp() override {
-        using platform::changeDeviceLists;
-        changeDeviceLists("Scope1", std::nullopt, "TCPIP0::scope::INSTR");
-        changeDeviceLists("Dmm", std::nullopt, "TCPIP0::dmm::INSTR");
-        changeDeviceLists("SCOPE1", "gpib0,1", std::nullopt);
-        changeDeviceLists("Only", "gpib0,2", std::nullopt);
-    }
-    void TearDown() override { list_.deleteRecords(); }
-
-    AliasEntry* named(const char* name) {
-        AliasEntry probe(Text(name), std::nullopt, std::nullopt);
-        return list_.findDuplicate(&probe);
-    }
-
-    static std::string lookup(const char* list, const char* name) {
-        return platform::lookupDeviceList(list, name, "<none>");
-    }
-
-    test::TempStore temp_;
-    AList list_;
-};
-
-TEST_F(AliasLists, LoadJoinsBothListsByName) {
-    list_.load();
-    ASSERT_EQ(list_.count(), 3u);
-    const struct {
-        const char* name;
-        Text rsrc;
-        Text korl;
-        AliasState state;
-    } expected[] = {{"Scope1", "TCPIP0::scope::INSTR", "gpib0,1", AliasState::Unchanged},
-                    {"Dmm", "TCPIP0::dmm::INSTR", std::nullopt, AliasState::Unchanged},
-                    {"Only", std::nullopt, "gpib0,2", AliasState::Added}};
-    const auto loaded = items(list_);
-    for (std::size_t i = 0; i < loaded.size(); ++i) {
-        SCOPED_TRACE(expected[i].name);
-        EXPECT_EQ(loaded[i]->name(), Text(expected[i].name));
-        EXPECT_EQ(loaded[i]->rsrcString(), expected[i].rsrc);
-        EXPECT_EQ(loaded[i]->korlAddress(), expected[i].korl);
-        EXPECT_EQ(loaded[i]->state(), expected[i].state);
-    }
-}
-
-TEST_F(AliasLists, CommitWritesEachEntryByItsState) {
-    list_.load();
     // Someone changes the "Devices"-only alias behind the list's back: the
     // commit writes the loaded value again.
-    platform::changeDeviceLists("Only", "elsewhere", std::nullopt);
-    AliasEntry* dmm = named("Dmm");
-    dmm->setName(Text("Meter"));
-    list_.markChanged(dmm);
-    list_.markDeleted(named("Scope1"));
-    auto* added = new AliasEntry(Text("New"), Text("TCPIP0::new::SOCKET"), std::nullopt);
-    ASSERT_EQ(list_.addRecord(added), 0);
-    EXPECT_EQ(list_.commit(), 0);
-
-    using platform::kDevicesList;
-    using platform::kVisaDevicesList;
-    EXPECT_EQ(lookup(kVisaDevicesList, "Scope1"), "<none>");
-    EXPECT_EQ(lookup(kDevicesList, "Scope1"), "<none>");
-    EXPECT_EQ(lookup(kVisaDevicesList, "Dmm"), "<none>");
-    EXPECT_EQ(lookup(kVisaDevicesList, "Meter"), "TCPIP0::dmm::INSTR");
-    EXPECT_EQ(lookup(kDevicesList, "Meter"), "<none>");
-    EXPECT_EQ(lookup(kDevicesList, "Only"), "gpib0,2");
-    EXPECT_EQ(lookup(kVisaDevicesList, "Only"), "<none>");
-    EXPECT_EQ(lookup(kVisaDevicesList, "New"), "TCPIP0::new::SOCKET");
-    EXPECT_EQ(lookup(kDevicesList, "New"), "<none>");
+    changeDeviceLists("Only", "elsewhere", std::nullopt);
+    got[1]->setName(Text("Meter"));
+    list.markChanged(got[1]);
+    list.markDeleted(got[0]);
+    ASSERT_EQ(list.addRecord(new AliasEntry(entry("New", "TCPIP0::new::SOCKET"))), 0);
+    EXPECT_EQ(list.commit(), 0);
+    list.deleteRecords();
+    std::string stored;
+    for (const char* name : {"Scope1", "Dmm", "Meter", "Only", "New"})
+        stored += std::string(name) + "=" + platform::lookupDeviceList(platform::kVisaDevicesList, name, "-") + "|" +
+                  platform::lookupDeviceList(platform::kDevicesList, name, "-") + " ";
+    EXPECT_EQ(stored, "Scope1=-|- Dmm=-|- Meter=TCPIP0::dmm::INSTR|- Only=-|gpib0,2 New=TCPIP0::new::SOCKET|- ");
 }
 
 }  // namespace

@@ -8,90 +8,53 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
+#include <functional>
+#include <memory>
 #include <random>
 #include <regex>
-#include <string>
 #include <thread>
 
 #include "dialogs/alist.h"
-#include "platform/product_settings.h"
-#include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
-#include "store_builder.h"
 #include "temp_store.h"
 #include "tree_text.h"
 
 namespace braxcfg::store {
 namespace {
 
-using platform::kRegOpenOrCreate;
-using platform::Registry;
-
 constexpr int kSize = 400;  // keys or aliases each operation rewrites
 
-void putTemplateClasses(const char* table, const char* typeWord) {
-    for (int i = 0; i < kSize; ++i) {
-        const Registry c(std::string("VISAInfo\\") + table + "\\C" + std::to_string(i), kRegOpenOrCreate);
-        c.setString("DrvrName", "INSTR");
-        c.setString("PrefixName", "C" + std::to_string(i));
-        c.setBool(typeWord, true);
-    }
+// kSize copies of .reg text, "#" standing for the copy's number.
+std::string repeated(const std::string& pattern) {
+    std::string out;
+    for (int i = 0; i < kSize; ++i) out += std::regex_replace(pattern, std::regex("#"), std::to_string(i));
+    return out;
 }
 
-void putInterfaceKey(bool withDeviceList) {
-    const Registry intf("INTF0", kRegOpenOrCreate);
-    intf.setString("VISAName", "GPIB0");
-    intf.setString("VISAIntfType", "GPIB");
-    if (withDeviceList) Registry(intf.handle(), "VISADev", kRegOpenOrCreate);
-}
+const std::string kIntf = "[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n";
+const std::string kClass = "]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"C#\"\n\"GPIB\"=hex:01\n";
 
-struct Operation {
+const struct {
     const char* name;
-    void (*prepare)();
-    void (*run)();
-};
-
-const Operation kOperations[] = {
-    {"RenameIntfEntries",
-     [] {
-         putInterfaceKey(true);
-         for (int i = 0; i < kSize; ++i) {
-             const std::string device = "GPIB1::" + std::to_string(i);
-             Registry("INTF0\\VISADev\\" + device + "\\" + device + "::INSTR", kRegOpenOrCreate)
-                 .setString("Driver", "INSTR");
-         }
-     },
+    std::string prepare;  // .reg text
+    std::function<void()> run;
+} kOperations[] = {
+    {"RenameIntfEntries", kIntf + repeated("[INTF0\\VISADev\\GPIB1::#\\GPIB1::#::INSTR]\n\"Driver\"=\"I\"\n"),
      [] { ConfigStore().RenameIntfEntries("INTF0"); }},
-    {"SetupIntfEntries",
-     [] {
-         putInterfaceKey(false);
-         putTemplateClasses("DefaultIntfRsrcs", "GPIB");
-     },
+    {"SetupIntfEntries", kIntf + repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
      [] { ConfigStore().SetupIntfEntries("INTF0", 1); }},
-    {"AddDeviceEntry",
-     [] {
-         putInterfaceKey(true);
-         putTemplateClasses("DefaultRsrcs", "GPIB");
-     },
+    {"AddDeviceEntry", kIntf + "[INTF0\\VISADev]\n" + repeated("[VISAInfo\\DefaultRsrcs\\C#" + kClass),
      [] { ConfigStore().AddDeviceEntry("INTF0", "GPIB0::5", ""); }},
-    {"WriteVisaInfoDefaults", [] { putTemplateClasses("DefaultIntfRsrcs", "GPIB"); },
-     [] {
-         resetVisaInfoWrittenFlag();
-         ConfigStore().WriteVisaInfoDefaults();
-     }},
+    {"WriteVisaInfoDefaults", repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
+     [] { resetVisaInfoWrittenFlag(), ConfigStore().WriteVisaInfoDefaults(); }},
     {"alias commit",
-     [] {
-         for (int i = 0; i < kSize; ++i)
-             platform::changeDeviceLists("Alias" + std::to_string(i), "gpib0," + std::to_string(i),
-                                         "TCPIP0::host" + std::to_string(i) + "::INSTR");
-     },
+     "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" +
+         repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
      [] {
          dialogs::AList list;
          list.load();
-         list.reset();
-         while (dialogs::AliasEntry* entry = list.next()) {
+         for (list.reset(); dialogs::AliasEntry* entry = list.next();) {
              entry->setName(*entry->name() + "x");
              list.markChanged(entry);
          }
@@ -100,88 +63,51 @@ const Operation kOperations[] = {
      }},
 };
 
-void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
-
 // The store as text; the time stamp of the information block says nothing
 // about atomicity and differs from run to run.
 std::string observe() {
-    static const std::regex lastMod("\"LastMod\" sz \"[^\"]*\"");
+    static const std::regex lastMod("\"LastMod\"=\"[^\"]*\"");
     return std::regex_replace(test::treeText(""), lastMod, "\"LastMod\"");
 }
 
-class KilledMidway : public ::testing::TestWithParam<Operation> {
-protected:
-    void SetUp() override {
-        path_ = test::testOutputDir("atomicity") + "/" + std::to_string(getpid()) + ".db";
-    }
-    void TearDown() override {
-        platform::closeStore();
-        removeStore();
-    }
+TEST(KilledMidway, LeavesTheStoreAsBeforeOrAsAfter) {
+    for (const auto& operation : kOperations) {
+        SCOPED_TRACE(operation.name);
+        std::unique_ptr<test::TempStore> store;
+        const auto prepared = [&] {  // a fresh store with the operation's starting content
+            store.reset();
+            store = std::make_unique<test::TempStore>();
+            test::putTree(operation.prepare);
+            return observe();
+        };
+        prepared();
+        const auto started = std::chrono::steady_clock::now();
+        operation.run();
+        const auto micros =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - started).count();
+        const std::string after = observe();
 
-    void removeStore() const {
-        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-    }
-
-    // A fresh store with the operation's starting content; its text.
-    std::string prepared() const {
-        platform::closeStore();
-        removeStore();
-        platform::openStore(path_);
-        {
-            platform::StoreTransaction batch;
-            GetParam().prepare();
-            batch.commit();
+        std::mt19937 random(12345);
+        for (int trial = 0; trial < 6; ++trial) {
+            const std::string before = prepared();
+            ASSERT_NE(before, after);
+            platform::closeStore();
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                platform::openStore(store->path());
+                operation.run();
+                _exit(0);
+            }
+            std::this_thread::sleep_for(std::chrono::microseconds(random() % (micros * 3 / 2 + 1)));
+            kill(child, SIGKILL);
+            waitpid(child, nullptr, 0);
+            store->reopen();
+            const std::string found = observe();
+            ASSERT_TRUE(found == before || found == after) << "trial " << trial << ":\n" << found;
         }
-        return observe();
     }
-
-    std::string path_;
-};
-
-TEST_P(KilledMidway, LeavesTheStoreAsBeforeOrAsAfter) {
-    const Operation& operation = GetParam();
-    prepared();
-    const auto started = std::chrono::steady_clock::now();
-    operation.run();
-    const auto duration = std::chrono::steady_clock::now() - started;
-    const std::string after = observe();
-
-    std::mt19937 random(12345);
-    int sawBefore = 0, sawAfter = 0;
-    for (int trial = 0; trial < 6; ++trial) {
-        const std::string before = prepared();
-        ASSERT_NE(before, after);
-        platform::closeStore();
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            platform::openStore(path_);
-            operation.run();
-            _exit(0);
-        }
-        const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(duration).count();
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % (micros * 3 / 2 + 1)));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-        platform::openStore(path_);
-        const std::string found = observe();
-        if (found == before) ++sawBefore;
-        if (found == after) ++sawAfter;
-        ASSERT_TRUE(found == before || found == after) << operation.name << ", trial " << trial;
-    }
-    RecordProperty("before", sawBefore);
-    RecordProperty("after", sawAfter);
 }
-
-INSTANTIATE_TEST_SUITE_P(Operations, KilledMidway, ::testing::ValuesIn(kOperations),
-                         [](const ::testing::TestParamInfo<Operation>& info) {
-                             std::string name = info.param.name;
-                             for (char& c : name)
-                                 if (c == ' ') c = '_';
-                             return name;
-                         });
 
 }  // namespace
 }  // namespace braxcfg::store

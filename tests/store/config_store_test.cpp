@@ -1,0 +1,306 @@
+// Interface entries, device entries, the VISA information block, and the
+// silent set-up and end of pass built on them. The block's full content, in
+// order, and a pass over every interface type are compared with the
+// end-to-end fixture of the tool's tests.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "platform/registry.h"
+#include "platform/store.h"
+#include "store/config_store.h"
+#include "store/interface_setup.h"
+#include "store/visa_info.h"
+#include "store_builder.h"
+#include "temp_store.h"
+#include "tree_text.h"
+
+namespace braxcfg::store {
+namespace {
+
+using test::putInterface;
+using test::putTree;
+using test::treeText;
+
+std::size_t count(const std::string& text, const std::string& part) {
+    std::size_t n = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+    return n;
+}
+
+TEST(GetMaxIntfNum, CountsOnlyUpperCaseInterfaceKeys) {
+    const struct {
+        const char* keys;
+        int expected;
+    } cases[] = {{"[INTF0]\n[INTF7]\n[INTF10]\n[INTFX]\n[INTF]\n", 10}, {"[intf3]\n[INTF2]\n", 2}, {"", 0},
+                 {"[INTF-5]\n[INTF1]\n", 1}, {"[Intf9]\n[INTF 4]\n", 4}};  // the number as atoi reads it
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.keys);
+        test::TempStore store;
+        putTree(std::string("[]\n") + c.keys);
+        EXPECT_EQ(ConfigStore().GetMaxIntfNum(), c.expected);
+    }
+}
+
+TEST(GetIntfType, TypeWordsAreCaseSensitiveAndResourceTypeIsNormalised) {
+    const struct {
+        const char* typeWord;  // null: no interface
+        const char* rsrcType;  // null: absent
+        std::uint16_t code;
+        const char* normalised;
+    } cases[] = {
+        {"GPIB", nullptr, kIntfGpib, "INSTR"},         {"VXI", "INSTR", kIntfVxi, "INSTR"},
+        {"GPIB-VXI", "MEMACC", kIntfGpibVxi, "INSTR"}, {"ASRL", "", kIntfAsrl, "INSTR"},
+        {"PXI", nullptr, kIntfPxi, "INSTR"},           {"TCPIP", "SOCKET", kIntfTcpip, "SOCKET"},
+        {"USB", "socket", kIntfUsb, "INSTR"},          {"RSIB", nullptr, kIntfRsib, "INSTR"},
+        {"gpib", nullptr, kIntfUnknown, "INSTR"},      {"GPIB ", nullptr, kIntfUnknown, "INSTR"},
+        {nullptr, nullptr, kIntfUnknown, "INSTR"},
+    };
+    test::TempStore store;
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.typeWord ? c.typeWord : "no interface");
+        const std::string intf = "INTF" + std::to_string(n++);
+        if (c.typeWord) putTree("[" + intf + "]\n\"VISAIntfType\"=\"" + c.typeWord + "\"\n");
+        if (c.rsrcType) putTree("[" + intf + "]\n\"VISARsrcType\"=\"" + c.rsrcType + "\"\n");
+        std::string rsrcType = "unchanged";
+        EXPECT_EQ(ConfigStore().GetIntfType(intf, rsrcType), c.code);
+        EXPECT_EQ(rsrcType, c.normalised);
+        EXPECT_EQ(ConfigStore().GetIntfType(intf), c.code);
+    }
+}
+
+TEST(SetupIntfEntries, CreatesTheClassesMarkedForTheTypeWord) {
+    test::TempStore store;
+    // A class with texts, one without, one that says nothing about GPIB and one that says no.
+    putTree("[VISAInfo\\DefaultIntfRsrcs\\INTFC]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INTFC\"\n\"GPIB\"=hex:01\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\BARE]\n\"GPIB\"=hex:01\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\SILENT]\n\"VXI\"=hex:01\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\REFUSED]\n\"GPIB\"=hex:00\n"
+            "[INTF0]\n\"VISAName\"=\"X0\"\n\"VISAIntfType\"=\"GPIB\"\n");
+    ConfigStore().SetupIntfEntries("INTF0", 1);
+    EXPECT_EQ(treeText("INTF0"), "[]\n\"VISAName\"=\"X0\"\n\"VISAIntfType\"=\"GPIB\"\n"
+                                 "\"VISAAutoConfigDriver\"=\"AUTOCF\"\n\"VISAAutoConfig\"=hex:01\n[VISADev]\n"
+                                 "[VISAIntfRsrc]\n[VISAIntfRsrc\\X0::BARE]\n\"Driver\"=\"\"\n\"Prefix\"=\"\"\n"
+                                 "[VISAIntfRsrc\\X0::INTFC]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INTFC\"\n");
+    ConfigStore().SetupIntfEntries("INTF9", 1);
+    EXPECT_EQ(treeText("INTF9"), "<missing>");
+}
+
+TEST(DeviceEntries, AddCreatesTheClassesMarkedForTheInterfaceType) {
+    test::TempStore temp;
+    resetVisaInfoWrittenFlag();
+    ConfigStore().WriteVisaInfoDefaults();  // the real template table, and a class someone added
+    putTree("[VISAInfo\\DefaultRsrcs\\EXTRA]\n\"DrvrName\"=\"XDRV\"\n\"PrefixName\"=\"XPFX\"\n"
+            "\"GPIB\"=hex:01\n\"ASRL\"=hex:01\n");
+    const struct {
+        const char* type;
+        const char* filter;
+        const char* classes;
+        bool autoIdentify;
+    } cases[] = {
+        {"GPIB", "", "EXTRA INSTR ", false},    {"ASRL", "", "EXTRA INSTR ", true},
+        {"TCPIP", "", "INSTR SOCKET ", false},  {"TCPIP", "SOCKET", "SOCKET ", false},
+        {"TCPIP", "socket", "", false},         {"GPIB", "SOCKET", "", false},
+        {"asrl", "", "EXTRA INSTR ", false},    {"USB", "", "INSTR ", false},  // flags ignore case, "ASRL" not
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.type) + " filter '" + c.filter + "'");
+        const std::string intf = "INTF" + std::to_string(n), device = "D" + std::to_string(n++) + "::1";
+        putTree("[" + intf + "]\n\"VISAIntfType\"=\"" + c.type + "\"\n[" + intf + "\\VISADev]\n");
+        ConfigStore().AddDeviceEntry(intf, device, c.filter, "ignored");
+        EXPECT_EQ(ConfigStore().GetDeviceName(intf, 0) + ConfigStore().GetDeviceName(intf, 1), device);
+        std::string classes;
+        for (std::uint32_t i = 0; !ConfigStore().GetDeviceRsrcName(intf, device, i).empty(); ++i)
+            classes += ConfigStore().GetDeviceRsrcName(intf, device, i).substr(device.size() + 2) + " ";
+        EXPECT_EQ(classes, c.classes);
+        const std::size_t marked = c.autoIdentify ? count(classes, " ") : 0;
+        EXPECT_EQ(count(treeText(intf), "AutoIdentify"), marked);
+        EXPECT_EQ(count(treeText(intf), "\"AutoIdentify\"=\"0\"\n"), marked);
+    }
+    EXPECT_EQ(1u,
+              count(treeText("INTF0"), "[VISADev\\D0::1\\D0::1::EXTRA]\n\"Driver\"=\"XDRV\"\n\"Prefix\"=\"XPFX\"\n"));
+}
+
+TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplatesAndClearEmptiesTheList) {
+    test::TempStore temp;
+    putTree("[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\D::5\\D::5::INSTR]\n\"Driver\"=\"old\"\n"
+            "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n"
+            "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"I\"\n\"GPIB\"=hex:01\n");
+    ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR");
+    ConfigStore().AddDeviceEntry("INTF1", "D::5", "");
+    EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n[D::5]\n[D::5\\D::5::INSTR]\n\"Driver\"=\"I\"\n\"Kept\"=\"yes\"\n"
+                                          "\"Prefix\"=\"\"\n[D::5\\D::5::OTHER]\n");
+    EXPECT_EQ(treeText("INTF1\\VISADev"), "<missing>");
+
+    putTree("[-VISAInfo]\n");
+    ConfigStore().AddDeviceEntry("INTF0", "D::6", "");
+    EXPECT_EQ(1u, count(treeText("INTF0\\VISADev"), "[D::6]\n"));
+    ConfigStore().ClearDevices("INTF0");
+    EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n");
+    ConfigStore().ClearDevices("INTF5");
+    EXPECT_EQ(treeText("INTF5"), "<missing>");
+}
+
+TEST(DeviceEntries, AutoConfigFlagIsStoredAsOneWhenMissing) {
+    test::TempStore temp;
+    putTree("[INTF0]\n\"VISAName\"=\"G\"\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+    std::string flags;
+    for (const char* intf : {"INTF0", "INTF1", "INTF2", "INTF9"})
+        flags += std::to_string(ConfigStore().IsAutoConfig(intf));
+    EXPECT_EQ(flags, "1010");
+    EXPECT_EQ(treeText(""), "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n"
+                            "\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+}
+
+TEST(VisaInfo, IsWrittenOncePerProcessEvenWhenTheFirstWriteFails) {
+    test::TempStore temp;
+    resetVisaInfoWrittenFlag();
+    ConfigStore().WriteVisaInfoDefaults();
+    // The limits' defaults and their place, which the fixture (with one tuned) cannot show.
+    EXPECT_EQ(1u, count(treeText("VISAInfo"), "\"Logging\"=\"OFF\"\n\"MaxSessNbr\"=dword:00000100\n\"MaxNbrOfProcs\""));
+    putTree("[VISAInfo]\n\"LastMod\"=\"earlier\"\n");
+    ConfigStore().WriteVisaInfoDefaults();
+    EXPECT_EQ(1u, count(treeText("VISAInfo"), "\"LastMod\"=\"earlier\""));
+
+    putTree("[-VISAInfo]\n");
+    resetVisaInfoWrittenFlag();
+    platform::closeStore();
+    ConfigStore().WriteVisaInfoDefaults();
+    temp.reopen();
+    ConfigStore().WriteVisaInfoDefaults();
+    EXPECT_EQ(treeText("VISAInfo"), "<missing>");
+}
+
+TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
+    test::TempStore temp;
+    putTree("[VISAInfo]\n\"MaxSessNbr\"=dword:000003e8\n\"Logging\"=\"ON\"\n\"SleepMs\"=\"5\"\n"
+            "\"Manufacturer\"=\"else\"\n[VISAInfo\\DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"edited\"\n\"Kept\"=\"yes\"\n"
+            "[VISAInfo\\DefaultRsrcs\\EXTRA]\n[VISAInfo\\DefaultRsrcsDrvrs\\INSTR\\Sub]\n"
+            "[VISAInfo\\DefaultRsrcsDrvrs\\OTHER]\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG3\\Sub\\Deeper]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG0]\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG7]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG8]\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\ttltrig5]\n");
+    resetVisaInfoWrittenFlag();
+    ConfigStore().WriteVisaInfoDefaults();
+    const std::string text = treeText("VISAInfo");
+    for (const char* line : {"\"MaxSessNbr\"=dword:000003e8\n", "\"Logging\"=\"ON\"\n", "\"SleepMs\"=\"5\"\n",
+                             "\"Manufacturer\"=\"Tolvane Technologies\"\n", "[DefaultRsrcs\\EXTRA]\n",
+                             "[DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"INSTR\"\n\"Kept\"=\"yes\"\n",
+                             "[DefaultIntfRsrcs\\TTLTRIG8]\n"})
+        EXPECT_EQ(1u, count(text, line)) << line << text;
+    for (const char* gone : {"DefaultRsrcsDrvrs", "TTLTRIG0", "TTLTRIG3", "TTLTRIG7", "ttltrig5"})
+        EXPECT_EQ(0u, count(text, gone)) << gone;
+}
+
+TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterFormAndVersionsTheVisaEncoding) {
+    setenv("TZ", "UTC", 1);  // the store's time stamps only need the form, not the zone
+    tzset();
+    EXPECT_EQ(ctimeText(0), "Thu Jan 01 00:00:00 1970");
+    EXPECT_EQ(ctimeText(1204622127), "Tue Mar 04 09:15:27 2008");
+    EXPECT_EQ(ctimeText(1735167909), "Wed Dec 25 23:05:09 2024");
+    EXPECT_EQ(visaVersionNumber(0xFFF, 0xFFF, 0xFF), 0xFFFFFFFFu);
+    EXPECT_EQ(visaVersionNumber(1, 0x123, 0x45), 0x00112345u);
+}
+
+class InterfaceSetup : public ::testing::Test {
+protected:
+    void SetUp() override {
+        resetVisaInfoWrittenFlag();
+        putTree("[]\n\"BaseDir\"=\"" + base_ + "\"\n");
+    }
+    void TearDown() override { writeProfile(nullptr); }
+
+    // The serial default's profile; null: no file.
+    void writeProfile(const char* text) const {
+        std::filesystem::remove_all(base_ + "/intfcfg");
+        if (!text) return;
+        std::filesystem::create_directories(base_ + "/intfcfg");
+        std::ofstream(base_ + "/intfcfg/intfcfg.ini", std::ios::binary) << text;
+    }
+
+    static std::string autoConfigOf(const std::string& intf) {
+        const platform::Registry key(intf, platform::kRegOpenExisting);
+        return key.valueExists("VISAAutoConfigDriver") ? std::to_string(key.getBool("VISAAutoConfig")) : "-";
+    }
+
+    test::TempStore temp_;
+    std::string base_ = temp_.path() + "-base";
+    ConfigStore store_;
+};
+
+TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
+    const struct {
+        const char* value;  // of VISAAutoConfig in [Cfg232], names written in any case
+        int expected;
+    } cases[] = {{"True", 1}, {"TRUE", 0}, {"YES", 0},  {"Yes", 1},    {"yes", 1},     {"1", 1},
+                 {"0", 0},    {"", 0},     {"tRUE", 0}, {"truely", 0}, {"\"True\"", 1}};
+    for (const auto& c : cases) {
+        writeProfile(("[cfg232]\nvisaautoconfig = " + std::string(c.value) + "\n").c_str());
+        EXPECT_EQ(serialAutoConfigDefault(), c.expected) << c.value;
+    }
+    writeProfile("[Other]\nVISAAutoConfig=True\n");
+    EXPECT_EQ(serialAutoConfigDefault(), 0);
+    writeProfile(nullptr);
+    EXPECT_EQ(serialAutoConfigDefault(), 0);
+    EXPECT_EQ(interfaceProfilePath(), base_ + "/intfcfg/intfcfg.ini");
+}
+
+TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {
+    const struct {
+        const char* type;
+        const char* withTrue;
+        const char* withoutProfile;
+    } cases[] = {
+        {"GPIB", "1", "1"}, {"VXI", "1", "1"},  {"GPIB-VXI", "1", "1"}, {"PXI", "1", "1"},  {"USB", "1", "1"},
+        {"RSIB", "1", "1"}, {"ASRL", "1", "0"}, {"TCPIP", "0", "0"},    {"gpib", "-", "-"}, {"", "-", "-"},
+    };
+    int n = 0;
+    for (const bool withProfile : {true, false}) {
+        writeProfile(withProfile ? "[Cfg232]\nVISAAutoConfig=True\n" : nullptr);
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(c.type) + (withProfile ? " with profile" : " without profile"));
+            const std::string intf = "INTF" + std::to_string(n++);
+            putInterface(intf, "X" + std::to_string(n), c.type);
+            setupVisaIntf(store_, intf);
+            EXPECT_EQ(autoConfigOf(intf), withProfile ? c.withTrue : c.withoutProfile);
+        }
+    }
+    // Already set up, even with an empty driver name: neither way changes it.
+    putTree("[INTF99]\n\"VISAName\"=\"G\"\n\"VISAIntfType\"=\"GPIB\"\n"
+            "\"VISAAutoConfigDriver\"=\"\"\n\"VISAAutoConfig\"=hex:00\n");
+    const std::string before = treeText("INTF99");
+    setupVisaIntf(store_, "INTF99");
+    configureAtRunTime(store_, "INTF99");
+    EXPECT_EQ(treeText("INTF99"), before);
+    EXPECT_NE(treeText("VISAInfo\\DefaultRsrcs\\INSTR"), "<missing>");
+}
+
+TEST_F(InterfaceSetup, EndOfPassVisitsTheKeysUpToTheHighestNumber) {
+    putInterface("INTF0", "GPIB0", "GPIB");
+    putInterface("INTF3", "ASRL1", "ASRL");
+    putInterface("intf2", "GPIB2", "GPIB");   // opened whatever its case
+    putInterface("INTF03", "GPIB3", "GPIB");  // counts as 3 but is not "INTF3"
+    putInterface("intf5", "GPIB5", "GPIB");   // above the highest upper-case number
+    putTree("[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\GPIB1::5]\n");  // INTF1: no VISA name
+    writeProfile("[Cfg232]\nVISAAutoConfig=True\n");
+    doVisaEndStuff(store_);
+    for (const char* intf : {"INTF0", "INTF3", "intf2"}) EXPECT_EQ(autoConfigOf(intf), "0") << intf;
+    for (const char* intf : {"INTF03", "intf5", "INTF1"}) EXPECT_EQ(autoConfigOf(intf), "-") << intf;
+    EXPECT_EQ(store_.GetDeviceName("INTF0", 0), "GPIB0::5");  // renamed on the way
+}
+
+TEST_F(InterfaceSetup, EndOfPassCopesWithTheLargestNumber) {
+    putInterface("INTF2147483647", "GPIB9", "GPIB");
+    putInterface("INTF1", "GPIB1", "GPIB");
+    doVisaEndStuff(store_);
+    EXPECT_EQ(autoConfigOf("INTF1") + autoConfigOf("INTF2147483647"), "00");
+}
+
+}  // namespace
+}  // namespace braxcfg::store
