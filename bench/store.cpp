@@ -1,39 +1,17 @@
 // Store backend costs: a typical read, enumerating a large key by index,
 // and writing device-like keys with and without one transaction around them.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <string>
 
+#include "bench_store.h"
 #include "platform/store.h"
 
 namespace {
 
 using namespace braxcfg::platform;
 
-// A fresh store file opened as the process's store for one benchmark.
-class BenchStore {
-public:
-    BenchStore() {
-        path_ = (std::filesystem::temp_directory_path() / ("braxcfg-bench-" + std::to_string(::getpid()) + ".db"))
-                    .string();
-        removeFiles();
-        openStore(path_);
-    }
-    ~BenchStore() {
-        closeStore();
-        removeFiles();
-    }
-    BenchStore(const BenchStore&) = delete;
-    BenchStore& operator=(const BenchStore&) = delete;
-
-private:
-    void removeFiles() const {
-        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-    }
-    std::string path_;
-};
+using braxcfg::bench::BenchStore;
 
 HKey create(const std::string& path, HKey parent = kLocalMachine) {
     HKey key = kNoKey;
