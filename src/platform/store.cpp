@@ -71,11 +71,11 @@ struct ProcessStore {
     std::atomic<std::uint64_t> generation{0};
 };
 
-// Never destroyed: code running from other static destructors may still
-// close its keys.
+// Destroyed when the process ends or the plug-in is unloaded, which closes
+// the store file; a host that unloads the plug-in gets its memory back.
 ProcessStore& processStore() {
-    static auto* store = new ProcessStore;
-    return *store;
+    static ProcessStore store;
+    return store;
 }
 
 RegResult failureFor(StoreOpenState state) {
