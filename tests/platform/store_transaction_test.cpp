@@ -67,7 +67,7 @@ TEST(StoreTransactionScope, OtherConnectionsWaitBoundedAndSayWhy) {
 
     DebugCapture debug;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(setString(other, kLocalMachine, "blocked", "x"), kErrorCantWrite);
+    EXPECT_EQ(setString(other, kLocalMachine, "blocked", "x"), kErrorBusy);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::seconds(4));
     EXPECT_LT(waited, std::chrono::seconds(15));

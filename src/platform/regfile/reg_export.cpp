@@ -1,6 +1,7 @@
 #include "platform/regfile/reg_export.h"
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "platform/regfile/reg_path.h"
@@ -27,7 +28,6 @@ private:
         return false;
     }
     bool exportValues(HKey key, const std::string& relativePath);
-    bool exportSubkeys(HKey key, const std::string& relativePath);
 
     StoreBackend& store_;
     RegWriter writer_;
@@ -36,9 +36,41 @@ private:
     std::string error_;
 };
 
+// Pre-order without recursion, so no depth of tree can exhaust the stack:
+// one open key per level from `key` down, each with the index of its next
+// subkey.
 bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
+    struct Level {
+        std::unique_ptr<ScopedKey> owned;  // empty for the caller's key
+        HKey key;
+        std::string path;
+        std::uint32_t nextChild = 0;
+    };
+    std::vector<Level> levels;
+    levels.push_back(Level{nullptr, key, relativePath});
     writer_.key(relativePath);
-    return exportValues(key, relativePath) && exportSubkeys(key, relativePath);
+    if (!exportValues(key, relativePath)) return false;
+    std::array<char, kMaxKeyNameLength + 1> name{};
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        const RegResult r = store_.enumKey(level.key, level.nextChild, name.data(), static_cast<std::uint32_t>(name.size()));
+        if (r == kErrorNoMoreItems) {
+            levels.pop_back();
+            continue;
+        }
+        if (r != kErrorSuccess) return fail("list the subkeys of", level.path, r);
+        ++level.nextChild;
+        std::string childPath = level.path.empty() ? name.data() : level.path + "\\" + name.data();
+        auto child = std::make_unique<ScopedKey>(store_);
+        if (const RegResult opened = store_.openKey(level.key, name.data(), kKeyRead, child->receive());
+            opened != kErrorSuccess)
+            return fail("open", childPath, opened);
+        const HKey childKey = child->get();
+        writer_.key(childPath);
+        if (!exportValues(childKey, childPath)) return false;
+        levels.push_back(Level{std::move(child), childKey, std::move(childPath)});
+    }
+    return true;
 }
 
 bool RegExporter::exportValues(HKey key, const std::string& relativePath) {
@@ -56,20 +88,6 @@ bool RegExporter::exportValues(HKey key, const std::string& relativePath) {
         writer_.value(std::string_view(name_.data(), cchName), type,
                       std::string_view(reinterpret_cast<const char*>(data_.data()), cbData));
         ++index;
-    }
-}
-
-bool RegExporter::exportSubkeys(HKey key, const std::string& relativePath) {
-    std::array<char, kMaxKeyNameLength + 1> name{};
-    for (std::uint32_t index = 0;; ++index) {
-        const RegResult r = store_.enumKey(key, index, name.data(), static_cast<std::uint32_t>(name.size()));
-        if (r == kErrorNoMoreItems) return true;
-        if (r != kErrorSuccess) return fail("list the subkeys of", relativePath, r);
-        const std::string childPath = relativePath.empty() ? name.data() : relativePath + "\\" + name.data();
-        ScopedKey child(store_);
-        if (const RegResult opened = store_.openKey(key, name.data(), kKeyRead, child.receive()); opened != kErrorSuccess)
-            return fail("open", childPath, opened);
-        if (!exportKey(child.get(), childPath)) return false;
     }
 }
 

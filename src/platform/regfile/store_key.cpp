@@ -1,6 +1,8 @@
 #include "platform/regfile/store_key.h"
 
 #include <array>
+#include <memory>
+#include <vector>
 
 namespace braxcfg::platform::regfile {
 
@@ -25,26 +27,54 @@ std::string storeResultText(RegResult result) {
         case kErrorBadDatabase:
             return "the store file is damaged";
         case kErrorCantWrite:
-            return "the store cannot be written (read-only or busy)";
+            return "the store cannot be written";
+        case kErrorBusy:
+            return "the store is busy";
+        case kErrorDiskFull:
+            return "the disk is full";
         default:
             return "store error " + std::to_string(result);
     }
 }
 
 RegResult deleteKeyTree(StoreBackend& store, HKey parent, const std::string& path) {
-    {
-        ScopedKey key(store);
-        if (const RegResult opened = store.openKey(parent, path.c_str(), kKeyAllAccess, key.receive());
-            opened != kErrorSuccess)
-            return opened;
+    // Depth first without recursion, so no depth of tree can exhaust the
+    // stack. Each key's subkey names are read once before any is deleted.
+    struct Level {
+        std::unique_ptr<ScopedKey> key;
+        std::string name;  // below the level above (path for the first)
+        std::vector<std::string> children;
+        std::size_t next = 0;
+    };
+    std::vector<Level> levels;
+    const auto enter = [&](HKey above, const std::string& name) {
+        Level level{std::make_unique<ScopedKey>(store), name, {}};
+        const RegResult opened = store.openKey(above, name.c_str(), kKeyAllAccess, level.key->receive());
+        if (opened != kErrorSuccess) return opened;
         std::array<char, kMaxKeyNameLength + 1> child{};
-        // Always index 0: each delete shifts the remaining subkeys down.
-        while (store.enumKey(key.get(), 0, child.data(), static_cast<std::uint32_t>(child.size())) == kErrorSuccess) {
-            if (const RegResult deleted = deleteKeyTree(store, key.get(), child.data()); deleted != kErrorSuccess)
-                return deleted;
+        for (std::uint32_t index = 0;
+             store.enumKey(level.key->get(), index, child.data(), static_cast<std::uint32_t>(child.size())) ==
+             kErrorSuccess;
+             ++index)
+            level.children.emplace_back(child.data());
+        levels.push_back(std::move(level));
+        return kErrorSuccess;
+    };
+    if (const RegResult opened = enter(parent, path); opened != kErrorSuccess) return opened;
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        if (level.next < level.children.size()) {
+            const std::string child = level.children[level.next++];
+            if (const RegResult opened = enter(level.key->get(), child); opened != kErrorSuccess) return opened;
+            continue;
         }
+        const std::string name = level.name;
+        levels.pop_back();
+        if (const RegResult deleted = store.deleteKey(levels.empty() ? parent : levels.back().key->get(), name.c_str());
+            deleted != kErrorSuccess)
+            return deleted;
     }
-    return store.deleteKey(parent, path.c_str());
+    return kErrorSuccess;
 }
 
 }  // namespace braxcfg::platform::regfile
