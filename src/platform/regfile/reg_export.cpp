@@ -1,5 +1,6 @@
 #include "platform/regfile/reg_export.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <vector>
@@ -36,9 +37,9 @@ private:
     std::string error_;
 };
 
-// Pre-order without recursion, so no depth of tree can exhaust the stack:
-// one open key per level from `key` down, each with the index of its next
-// subkey.
+// Pre-order without recursion: one open key per level from `key` down, each
+// with the index of its next subkey. A tree deeper than the registry allows
+// is refused, not written.
 bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
     struct Level {
         std::unique_ptr<ScopedKey> owned;  // empty for the caller's key
@@ -48,6 +49,8 @@ bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
     };
     std::vector<Level> levels;
     levels.push_back(Level{nullptr, key, relativePath});
+    const std::size_t startDepth =
+        relativePath.empty() ? 0 : 1 + static_cast<std::size_t>(std::count(relativePath.begin(), relativePath.end(), '\\'));
     writer_.key(relativePath);
     if (!exportValues(key, relativePath)) return false;
     std::array<char, kMaxKeyNameLength + 1> name{};
@@ -60,6 +63,12 @@ bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
         }
         if (r != kErrorSuccess) return fail("list the subkeys of", level.path, r);
         ++level.nextChild;
+        // Deeper keys could not be imported again; a foreign tool made them.
+        if (startDepth + levels.size() >= kMaxKeyDepth) {
+            error_ = "cannot export " + fullKeyPath(level.path) + ": its keys go deeper than the " +
+                     std::to_string(kMaxKeyDepth) + " levels the registry allows";
+            return false;
+        }
         std::string childPath = level.path.empty() ? name.data() : level.path + "\\" + name.data();
         auto child = std::make_unique<ScopedKey>(store_);
         if (const RegResult opened = store_.openKey(level.key, name.data(), kKeyRead, child->receive());
