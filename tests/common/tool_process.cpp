@@ -19,12 +19,7 @@ ToolRun runTool(const std::vector<std::string>& args, const ToolOptions& options
         ::close(fds[0]);
         ::close(fds[1]);
         ::umask(options.umask);
-        for (const auto& [name, value] : options.env) {
-            if (value.empty())
-                ::unsetenv(name.c_str());
-            else
-                ::setenv(name.c_str(), value.c_str(), 1);
-        }
+        for (const auto& [name, value] : options.env) ::setenv(name.c_str(), value.c_str(), 1);
         if (options.uid != static_cast<uid_t>(-1) &&
             (::setgroups(0, nullptr) != 0 || ::setgid(options.uid) != 0 || ::setuid(options.uid) != 0))
             ::_exit(126);

@@ -12,7 +12,7 @@ namespace braxcfg::test {
 struct ToolOptions {
     uid_t uid = static_cast<uid_t>(-1);  // -1: this process's user
     mode_t umask = 022;
-    std::vector<std::pair<std::string, std::string>> env;  // set before exec; an empty value unsets
+    std::vector<std::pair<std::string, std::string>> env;  // set before exec (empty values too)
 };
 
 struct ToolRun {

@@ -15,6 +15,10 @@ public:
 
 private:
     static RegError refused(const RegOp& op, const std::string& what, RegResult result) {
+        // Busy or full is the store's state, not the line's fault.
+        if (const StoreFailure failure = storeFailureOf(result);
+            failure == StoreFailure::Busy || failure == StoreFailure::DiskFull)
+            return RegError{0, storeFailureMessage(failure)};
         return RegError{op.line, "the store refused to " + what + ": " + storeResultText(result)};
     }
 
