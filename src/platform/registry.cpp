@@ -2,12 +2,12 @@
 
 #include <array>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 #include "platform/debug_output.h"
 #include "platform/product_settings.h"
 #include "platform/store.h"
+#include "platform/store_tree.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -103,41 +103,7 @@ void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) 
 
 RegResult Registry::deleteTree(const std::string& subKey) const {
     if (key_ == kNoKey) return kErrorInvalidHandle;
-    // Depth first without recursion, so no depth of tree can exhaust the
-    // stack. Each key's subkey names are read once, whatever their length,
-    // before any is deleted: deleting them in that order removes the same
-    // keys as taking index 0 again after every delete, without re-reading.
-    struct Level {
-        std::unique_ptr<Registry> key;
-        std::string name;  // below the level above (subKey for the first)
-        std::vector<std::string> children;
-        std::size_t next = 0;
-    };
-    std::vector<Level> levels;
-    const auto enter = [&](HKey parent, const std::string& name) {
-        Level level{std::make_unique<Registry>(parent, name, kRegOpenExisting), name, {}};
-        std::array<char, kMaxKeyNameLength + 1> child{};
-        for (std::uint32_t index = 0; level.key->isOpen() &&
-                                      store_.enumKey(level.key->handle(), index, child.data(),
-                                                     static_cast<std::uint32_t>(child.size())) == kErrorSuccess;
-             ++index)
-            level.children.emplace_back(child.data());
-        levels.push_back(std::move(level));
-    };
-    enter(key_, subKey);
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.next < level.children.size()) {
-            const std::string child = level.children[level.next++];
-            enter(level.key->handle(), child);
-            continue;
-        }
-        const std::string name = level.name;
-        levels.pop_back();
-        const RegResult deleted = store_.deleteKey(levels.empty() ? key_ : levels.back().key->handle(), name.c_str());
-        if (deleted != kErrorSuccess) return deleted;
-    }
-    return kErrorSuccess;
+    return deleteKeyTree(store_, key_, subKey);
 }
 
 void Registry::setString(const std::string& name, const std::string& value) const {

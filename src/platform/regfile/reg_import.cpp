@@ -4,6 +4,7 @@
 #include "platform/regfile/reg_path.h"
 #include "platform/regfile/store_key.h"
 #include "platform/store.h"
+#include "platform/store_tree.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
