@@ -1,6 +1,7 @@
 // The store under real use: a host process that keeps the plug-in loaded
-// for the whole run, two tool processes adding device entries in a loop and
-// one reading through the plug-in. No healthy store is ever refused, no
+// for the whole run, two tool processes writing in a loop (device entries,
+// and imports that make the file grow, so that the log is checkpointed
+// often) and one reading through the plug-in. No healthy store is ever refused, no
 // answer turns false, and every add that exited 0 is there at the end.
 // BRAXCFG_LOAD_SECONDS sets the length of the run (default 30).
 #include <dlfcn.h>
@@ -17,6 +18,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/sqlite_db.h"
 #include "temp_store.h"
 #include "tool_process.h"
 
@@ -49,6 +51,15 @@ pid_t startHost(const std::string& store, Clock::time_point end) {
     ::_exit(wrong > 100 ? 100 : wrong);
 }
 
+// 40 keys of 1 KB each below SOFTWARE\<name>.
+std::string bulkFile(const std::string& name) {
+    std::string text = "REGEDIT4\n";
+    for (int i = 0; i < 40; ++i)
+        text += "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\" + name + "\\K" + std::to_string(i) + "]\n\"v\"=\"" +
+                std::string(1000, 'x') + "\"\n";
+    return text;
+}
+
 TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     const std::string dir = braxcfg::test::testOutputDir("load_tool/" + std::to_string(::getpid()));
     std::filesystem::remove_all(dir);
@@ -75,9 +86,11 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
         if (refusalTexts.size() < 5) refusalTexts.push_back(what + ": " + run.output);
     };
     std::vector<std::vector<std::string>> added(2);
+    std::atomic<int> imported{0};
     std::vector<std::thread> threads;
     for (int writer = 0; writer < 2; ++writer)
         threads.emplace_back([&, writer] {
+            const std::string bulk = dir + "/bulk" + std::to_string(writer) + ".reg";
             for (int n = 0; Clock::now() < end; ++n) {
                 const std::string device = "GPIB0::" + std::to_string(writer * 100000 + n);
                 const ToolRun run = tool({"devices", "INTF0", "add", device});
@@ -85,6 +98,11 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
                     added[writer].push_back(device);
                 else
                     refused("add " + device, run);
+                std::ofstream(bulk) << bulkFile("Bulk" + device.substr(7));
+                if (const ToolRun load = tool({"import", bulk}); load.exit == 0)
+                    ++imported;
+                else
+                    refused("import", load);
             }
         });
     threads.emplace_back([&] {
@@ -104,11 +122,16 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     std::size_t missing = 0;
     for (const auto& devices : added)
         for (const std::string& device : devices) missing += listed.find("\n" + device + "\n") == std::string::npos;
+    braxcfg::platform::SqliteConnection db;
+    ASSERT_EQ(db.open(store, SQLITE_OPEN_READONLY), SQLITE_OK);
+    const auto bulkKeys = db.queryInt("SELECT count(*) FROM keys WHERE CAST(name AS TEXT) LIKE 'Bulk%'", -1);
     std::cout << "load run: " << runSeconds() << " s, adds that exited 0: " << added[0].size() + added[1].size()
+              << ", imports that exited 0: " << imported << " (bulk keys found: " << bulkKeys << ")"
               << ", reads: " << reads << ", refusals: " << refusals << ", missing: " << missing
               << ", host answers not 1: " << (WIFEXITED(status) ? WEXITSTATUS(status) : -1) << "\n";
     EXPECT_EQ(refusals, 0) << (refusalTexts.empty() ? "" : refusalTexts.front());
     EXPECT_EQ(missing, 0u);
+    EXPECT_EQ(bulkKeys, imported);
     EXPECT_GT(added[0].size() + added[1].size(), 0u);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the host got answers other than 1";
     std::filesystem::remove_all(dir);
