@@ -6,7 +6,7 @@
 
 #include "command.h"
 #include "tcpip/resource_test.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "visacore/probe_timeout.h"
 
 namespace braxcfg::tool {
