@@ -6,6 +6,7 @@
 #include "rsrc/io_parms.h"
 #include "rsrc/resource_rules.h"
 #include "visacore/err_log.h"
+#include "visacore/interface_types.h"
 
 namespace braxcfg::rsrc {
 
@@ -107,13 +108,13 @@ bool IoParms::nameInterface(const char* input, Outcome& outcome) {
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfTypeStr", input));
         std::memcpy(intfTypeStr_.text.get(), first, typeLength);
         intfTypeStr_.text[typeLength] = '\0';
-        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
+        intfType_ = visa::interfaceTypeOf(intfTypeStr_.text.get());
     } else {
         // A bare type word names board 0: "GPIB" is GPIB0.
         const std::size_t typeLength = std::strlen(first);
         intfTypeStr_ = std::move(elements_[0]);
         elements_[0].size = 0;
-        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
+        intfType_ = visa::interfaceTypeOf(intfTypeStr_.text.get());
         if (!elements_[0].allocate(typeLength + 2))
             return outcome.failLogged(
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfName", input));
