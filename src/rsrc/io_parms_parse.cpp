@@ -65,8 +65,10 @@ bool IoParms::appendLastElement(const char* text, std::size_t length) {
 bool IoParms::splitElements(const char* input, Outcome& outcome) {
     char* token = rsrcString_.text.get();
     for (char* p = token + std::strcspn(token, ":["); *p != '\0'; p += std::strcspn(p, ":[")) {
-        // An IPv6 address in [...] keeps its "::" to itself; an unclosed
-        // bracket hides the rest of the string.
+        // An IPv6 address in [...] keeps its "::" to itself: "[" reaches to
+        // the next "]" without nesting, a stray "]" is a plain character,
+        // and an unclosed bracket hides the rest of the string. The LAN
+        // probe's splitPartsBalanced is stricter on purpose.
         if (*p == '[') {
             char* close = std::strchr(p + 1, ']');
             if (close == nullptr) break;
