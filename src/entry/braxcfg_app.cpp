@@ -8,8 +8,6 @@ namespace braxcfg::entry {
 
 CBraxcfgApp::CBraxcfgApp() : m_bNoEdit(0) {}
 
-CBraxcfgApp::~CBraxcfgApp() = default;
-
 int CBraxcfgApp::IsVisaIntfEditable(const std::string& intf) const {
     if (platform::visaPresent() == 0) return 0;
     if (m_bNoEdit != 0) return 0;

@@ -13,8 +13,6 @@ namespace braxcfg::store {
 
 class ConfigStore {
 public:
-    virtual ~ConfigStore() = default;
-
     // --- interface entries ---
     // "VISAName" of the interface key, empty when missing.
     std::string GetVisaName(const std::string& intf) const;
@@ -33,8 +31,9 @@ public:
     void SetupIntfEntries(const std::string& intf, int autoConfig) const;
 
     // --- device and interface-resource entries ---
+    // The last text is accepted and not used; callers pass "".
     void AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
-                        const std::string& unused = "") const;
+                        const std::string& unused) const;
     void ClearDevices(const std::string& intf) const;
     std::string GetDeviceName(const std::string& intf, std::uint32_t index) const;
     std::string GetDeviceRsrcName(const std::string& intf, const std::string& device,

@@ -134,14 +134,14 @@ TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplatesAndClearEmp
     putTree("[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\D::5\\D::5::INSTR]\n\"Driver\"=\"old\"\n"
             "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n"
             "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"I\"\n\"GPIB\"=hex:01\n");
-    ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR");
-    ConfigStore().AddDeviceEntry("INTF1", "D::5", "");
+    ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR", "");
+    ConfigStore().AddDeviceEntry("INTF1", "D::5", "", "");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n[D::5]\n[D::5\\D::5::INSTR]\n\"Driver\"=\"I\"\n\"Kept\"=\"yes\"\n"
                                           "\"Prefix\"=\"\"\n[D::5\\D::5::OTHER]\n");
     EXPECT_EQ(treeText("INTF1\\VISADev"), "<missing>");
 
     putTree("[-VISAInfo]\n");
-    ConfigStore().AddDeviceEntry("INTF0", "D::6", "");
+    ConfigStore().AddDeviceEntry("INTF0", "D::6", "", "");
     EXPECT_EQ(1u, count(treeText("INTF0\\VISADev"), "[D::6]\n"));
     ConfigStore().ClearDevices("INTF0");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n");
