@@ -8,6 +8,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "visacore/config/reg_visa_config.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::store {
 namespace {
@@ -57,16 +58,16 @@ platform::StoreFailure setupVisaIntf(const ConfigStore& store, const std::string
     if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return platform::StoreFailure::None;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
-        case kIntfGpib:
-        case kIntfVxi:
-        case kIntfGpibVxi:
-        case kIntfPxi:
-        case kIntfUsb:
-        case kIntfRsib:
+        case visa::VI_INTF_GPIB:
+        case visa::VI_INTF_VXI:
+        case visa::VI_INTF_GPIB_VXI:
+        case visa::VI_INTF_PXI:
+        case visa::VI_INTF_USB:
+        case visa::VI_INTF_RSIB:
             return configureAtRunTime(store, intf);
-        case kIntfAsrl:
+        case visa::VI_INTF_ASRL:
             return store.SetupIntfEntries(intf, serialDefault);
-        case kIntfTcpip:
+        case visa::VI_INTF_TCPIP:
             // LAN resources are entered by hand and kept in the store.
             return store.SetupIntfEntries(intf, 0);
         default:

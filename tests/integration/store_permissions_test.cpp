@@ -14,12 +14,13 @@
 #include <fstream>
 #include <functional>
 
-#include "tool_process.h"
+#include "tool_run.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using braxcfg::test::runTool;
+using braxcfg::test::runToolAs;
 using braxcfg::test::ToolOptions;
 
 constexpr uid_t kUser = 4242;
@@ -69,7 +70,7 @@ protected:
 };
 
 TEST_F(StorePermissions, TheMachineWideStoreIsRootsAlone) {
-    const auto madeByRoot = [] { ASSERT_EQ(runTool({"import", kInput}, as(0)).exit, 0); };
+    const auto madeByRoot = [] { ASSERT_EQ(runToolAs({"import", kInput}, as(0)).exitCode, 0); };
     const struct {
         const char* label;
         std::function<void()> prepare;
@@ -110,9 +111,9 @@ TEST_F(StorePermissions, TheMachineWideStoreIsRootsAlone) {
         SetUp();
         fs::remove_all(kHome + "/.local");
         c.prepare();
-        const auto run = runTool(c.args, c.options);
-        EXPECT_EQ(run.exit, c.exit) << run.output;
-        EXPECT_NE(run.output.find(c.output), std::string::npos) << run.output;
+        const auto run = runToolAs(c.args, c.options);
+        EXPECT_EQ(run.exitCode, c.exit) << (run.out + run.err);
+        EXPECT_NE((run.out + run.err).find(c.output), std::string::npos) << (run.out + run.err);
         c.check();
     }
 }
@@ -122,7 +123,7 @@ TEST_F(StorePermissions, AFullDiskChangesNothing) {
     fs::create_directories(dir);
     ASSERT_EQ(::mount("tmpfs", dir.c_str(), "tmpfs", 0, "size=512k"), 0);
     const std::string store = dir + "/store.db";
-    ASSERT_EQ(runTool({"--store", store, "import", kInput}).exit, 0);
+    ASSERT_EQ(runTool({"--store", store, "import", kInput}).exitCode, 0);
     std::string big = "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Big]\n";
     for (int i = 0; i < 400; ++i) big += "\"v" + std::to_string(i) + "\"=\"" + std::string(1000, 'x') + "\"\n";
     std::ofstream("/var/lib/big.reg") << big;
@@ -134,10 +135,10 @@ TEST_F(StorePermissions, AFullDiskChangesNothing) {
     }
     const auto run = runTool({"--store", store, "import", "/var/lib/big.reg"});
     fs::remove(dir + "/filler");
-    EXPECT_EQ(run.exit, 2) << run.output;
-    EXPECT_NE(run.output.find("the store " + store + " cannot be written: the disk is full"), std::string::npos)
-        << run.output;
-    EXPECT_EQ(runTool({"--store", store, "export", "--key", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Big"}).exit, 2);
+    EXPECT_EQ(run.exitCode, 2) << (run.out + run.err);
+    EXPECT_NE((run.out + run.err).find("the store " + store + " cannot be written: the disk is full"), std::string::npos)
+        << (run.out + run.err);
+    EXPECT_EQ(runTool({"--store", store, "export", "--key", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Big"}).exitCode, 2);
     ::umount2(dir.c_str(), MNT_DETACH);
 }
 

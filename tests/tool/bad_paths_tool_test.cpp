@@ -8,11 +8,12 @@
 #include <fstream>
 
 #include "temp_store.h"
-#include "tool_process.h"
+#include "tool_run.h"
 
 namespace {
 
 using braxcfg::test::runTool;
+using braxcfg::test::runToolAs;
 using braxcfg::test::ToolOptions;
 
 TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
@@ -24,7 +25,7 @@ TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
     std::filesystem::resize_file(dir + "/big.reg", (std::uintmax_t{1} << 30) + 1);  // sparse
     std::ofstream(dir + "/max.reg") << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
                                        "\\INTF2147483647]\n\"VISAName\"=\"GPIB7\"\n\"VISAIntfType\"=\"GPIB\"\n";
-    ASSERT_EQ(runTool({"--store", store, "import", dir + "/max.reg"}).exit, 0);
+    ASSERT_EQ(runTool({"--store", store, "import", dir + "/max.reg"}).exitCode, 0);
     const std::string uri = "file:bad-paths-" + std::to_string(::getpid()) + ".db?mode=memory";  // in the working directory
 
     const struct {
@@ -49,9 +50,9 @@ TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
         SCOPED_TRACE(c.label);
         ToolOptions options;
         options.env = c.env;
-        const auto run = runTool(c.args, options);
-        EXPECT_EQ(run.exit, c.exit) << run.output;
-        EXPECT_NE(run.output.find(c.output), std::string::npos) << run.output;
+        const auto run = runToolAs(c.args, options);
+        EXPECT_EQ(run.exitCode, c.exit) << (run.out + run.err);
+        EXPECT_NE((run.out + run.err).find(c.output), std::string::npos) << (run.out + run.err);
     }
     EXPECT_TRUE(std::filesystem::is_regular_file(uri)) << "the URI's options were obeyed";
     for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(uri + suffix);

@@ -12,7 +12,7 @@
 
 #include "platform/sqlite_db.h"
 #include "temp_store.h"
-#include "tool_process.h"
+#include "tool_run.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ protected:
         std::ofstream(dir_ + "/" + name, std::ios::binary) << text;
         return dir_ + "/" + name;
     }
-    std::string snapshot() const { return tool({"export", "--utf8"}).output; }
+    std::string snapshot() const { return tool({"export", "--utf8"}).out; }
 
     // Holds the write lock, as a second process in the middle of a change
     // would, until release() (or `seconds` have passed, when given).
@@ -74,9 +74,9 @@ TEST_F(StoreBusyTool, EveryWritingCommandRefusesAndWritesNothing) {
     const std::string base = write("base.reg", "REGEDIT4\n\n" + kProduct + "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n"
                                    "\"VISAIntfType\"=\"GPIB\"\n\n" + kProduct + "\\INTF1]\n\"VISAName\"=\"GPIB1\"\n"
                                    "\"VISAIntfType\"=\"GPIB\"\n");
-    ASSERT_EQ(tool({"import", base}).exit, 0);
-    ASSERT_EQ(tool({"setup", "INTF0"}).exit, 0);
-    ASSERT_EQ(tool({"devices", "INTF0", "add", "GPIB0::5"}).exit, 0);
+    ASSERT_EQ(tool({"import", base}).exitCode, 0);
+    ASSERT_EQ(tool({"setup", "INTF0"}).exitCode, 0);
+    ASSERT_EQ(tool({"devices", "INTF0", "add", "GPIB0::5"}).exitCode, 0);
     const std::string more = write("more.reg", "REGEDIT4\n\n" + kProduct + "\\INTF2]\n\"VISAName\"=\"GPIB2\"\n");
     const std::string before = snapshot();
 
@@ -90,9 +90,9 @@ TEST_F(StoreBusyTool, EveryWritingCommandRefusesAndWritesNothing) {
     for (std::size_t i = 0; i < runs.size(); ++i) {
         const ToolRun run = runs[i].get();
         SCOPED_TRACE(commands[i][0] + " " + (commands[i].size() > 1 ? commands[i][1] : ""));
-        EXPECT_EQ(run.exit, 2) << run.output;
-        EXPECT_NE(run.output.find("the store " + store_ + " is busy"), std::string::npos) << run.output;
-        EXPECT_NE(run.output.find("try again"), std::string::npos) << run.output;
+        EXPECT_EQ(run.exitCode, 2) << (run.out + run.err);
+        EXPECT_NE((run.out + run.err).find("the store " + store_ + " is busy"), std::string::npos) << (run.out + run.err);
+        EXPECT_NE((run.out + run.err).find("try again"), std::string::npos) << (run.out + run.err);
     }
     held.release();
     EXPECT_EQ(snapshot(), before) << "a refused command wrote something";
@@ -112,12 +112,12 @@ TEST_F(StoreBusyTool, AContendedClearOfALongListIsAllOrNothing) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.heldSeconds);
-        ASSERT_EQ(tool({"import", file}).exit, 0);
+        ASSERT_EQ(tool({"import", file}).exitCode, 0);
         const ToolRun clear = [&] {
             Lock held(store_, c.heldSeconds);
             return tool({"devices", "INTF0", "clear"});
         }();
-        EXPECT_EQ(clear.exit, c.exit) << clear.output;
+        EXPECT_EQ(clear.exitCode, c.exit) << (clear.out + clear.err);
         braxcfg::platform::SqliteConnection db;
         ASSERT_EQ(db.open(store_, SQLITE_OPEN_READONLY), SQLITE_OK);
         EXPECT_EQ(db.queryInt("SELECT count(*) FROM keys WHERE parent = "

@@ -20,7 +20,7 @@
 
 #include "platform/sqlite_db.h"
 #include "temp_store.h"
-#include "tool_process.h"
+#include "tool_run.h"
 
 namespace {
 
@@ -71,8 +71,8 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
         args.insert(args.begin(), {"--store", store});
         return runTool(args);
     };
-    ASSERT_EQ(tool({"import", dir + "/base.reg"}).exit, 0);
-    ASSERT_EQ(tool({"setup", "INTF0"}).exit, 0);
+    ASSERT_EQ(tool({"import", dir + "/base.reg"}).exitCode, 0);
+    ASSERT_EQ(tool({"setup", "INTF0"}).exitCode, 0);
 
     const auto end = Clock::now() + std::chrono::seconds(runSeconds());
     const pid_t host = startHost(store, end);
@@ -83,7 +83,7 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     const auto refused = [&](const std::string& what, const ToolRun& run) {
         ++refusals;
         std::lock_guard lock(refusalMutex);
-        if (refusalTexts.size() < 5) refusalTexts.push_back(what + ": " + run.output);
+        if (refusalTexts.size() < 5) refusalTexts.push_back(what + ": " + (run.out + run.err));
     };
     std::vector<std::vector<std::string>> added(2);
     std::atomic<int> imported{0};
@@ -94,12 +94,12 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
             for (int n = 0; Clock::now() < end; ++n) {
                 const std::string device = "GPIB0::" + std::to_string(writer * 100000 + n);
                 const ToolRun run = tool({"devices", "INTF0", "add", device});
-                if (run.exit == 0)
+                if (run.exitCode == 0)
                     added[writer].push_back(device);
                 else
                     refused("add " + device, run);
                 std::ofstream(bulk) << bulkFile("Bulk" + device.substr(7));
-                if (const ToolRun load = tool({"import", bulk}); load.exit == 0)
+                if (const ToolRun load = tool({"import", bulk}); load.exitCode == 0)
                     ++imported;
                 else
                     refused("import", load);
@@ -110,7 +110,7 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
             for (const auto& args : {std::vector<std::string>{"valid", "INTF0"}, {"interfaces"}}) {
                 const ToolRun run = tool(args);
                 ++reads;
-                if (run.exit != 0 || (args[0] == "valid" && run.output != "1\n")) refused(args[0], run);
+                if (run.exitCode != 0 || (args[0] == "valid" && (run.out + run.err) != "1\n")) refused(args[0], run);
             }
         }
     });
@@ -118,7 +118,7 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     int status = -1;
     ASSERT_EQ(::waitpid(host, &status, 0), host);
 
-    const std::string listed = "\n" + tool({"devices", "INTF0"}).output;
+    const std::string listed = "\n" + tool({"devices", "INTF0"}).out;
     std::size_t missing = 0;
     for (const auto& devices : added)
         for (const std::string& device : devices) missing += listed.find("\n" + device + "\n") == std::string::npos;

@@ -83,7 +83,8 @@ int runDevices(const Args& args) {
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
         if (!hasDeviceList) return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
-        if (const auto failure = store.AddDeviceEntry(intf, words[2], classFilter); failure != platform::StoreFailure::None)
+        if (const auto failure = store.AddDeviceEntry(intf, words[2], classFilter, "");
+            failure != platform::StoreFailure::None)
             return fail(platform::storeFailureMessage(failure));
         if (store.GetDeviceRsrcName(intf, words[2], 0).empty())
             std::cerr << "braxcfg: note: no resource class of the VISAInfo\\DefaultRsrcs table applies to "

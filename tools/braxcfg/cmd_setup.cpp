@@ -8,6 +8,7 @@
 #include "plugin.h"
 #include "store/config_store.h"
 #include "visacore/config/reg_visa_config.h"
+#include "visacore/interface_types.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -22,7 +23,7 @@ int storeTakesChanges() {
 }
 
 bool isSetUp(const store::ConfigStore& store, const std::string& intf) {
-    return !store.IsValidVisaIntf(intf) || store.GetIntfType(intf) == store::kIntfUnknown ||
+    return !store.IsValidVisaIntf(intf) || store.GetIntfType(intf) == visa::kIntfUnknown ||
            store.IsVisaIntfSetup(intf);
 }
 
