@@ -3,12 +3,9 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace braxcfg::test {
 namespace {
@@ -51,7 +48,7 @@ ToolRun runToolAs(const std::vector<std::string>& args, const ToolOptions& optio
     if (pid == 0) {
         dup2(out[1], STDOUT_FILENO);
         dup2(err[1], STDERR_FILENO);
-        umask(options.umask);
+        if (options.umask != static_cast<mode_t>(-1)) umask(options.umask);
         for (const auto& [name, value] : options.env) setenv(name.c_str(), value.c_str(), 1);
         if (options.uid != static_cast<uid_t>(-1) &&
             (setgroups(0, nullptr) != 0 || setgid(options.uid) != 0 || setuid(options.uid) != 0))
@@ -67,31 +64,6 @@ ToolRun runToolAs(const std::vector<std::string>& args, const ToolOptions& optio
     return result;
 }
 
-ToolRun runTool(const std::vector<std::string>& args) {
-    std::vector<std::string> words = {BRAXCFG_TOOL_PATH};
-    words.insert(words.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-
-    ToolRun result;
-    int out[2], err[2];
-    if (pipe2(out, O_CLOEXEC) != 0) return result;
-    if (pipe2(err, O_CLOEXEC) != 0) {
-        close(out[0]), close(out[1]);
-        return result;
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, err[1], STDERR_FILENO);
-    pid_t pid = -1;
-    const bool started = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]), close(err[1]);
-
-    collect(started ? pid : -1, out[0], err[0], result);
-    return result;
-}
+ToolRun runTool(const std::vector<std::string>& args) { return runToolAs(args, ToolOptions{}); }
 
 }  // namespace braxcfg::test

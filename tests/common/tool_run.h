@@ -23,7 +23,7 @@ ToolRun runTool(const std::vector<std::string>& args);
 // environment variables set (empty values too).
 struct ToolOptions {
     uid_t uid = static_cast<uid_t>(-1);  // -1: this process's user
-    mode_t umask = 022;
+    mode_t umask = static_cast<mode_t>(-1);  // -1: this process's umask
     std::vector<std::pair<std::string, std::string>> env;
 };
 
