@@ -15,7 +15,7 @@ namespace {
 class ListDevices : public AutoConfigDevices {
 public:
     explicit ListDevices(CShowDevices& dialog) : dialog_(dialog) {}
-    std::string knownDevice(std::uint32_t n) const override { return dialog_.deviceItem(static_cast<int>(n)); }
+    std::vector<std::string> knownDevices() const override { return dialog_.m_deviceList.items(); }
     void addNewDevice(const std::string& name) override { dialog_.addDeviceItem(name); }
 
 private:

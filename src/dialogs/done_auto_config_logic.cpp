@@ -2,6 +2,7 @@
 
 #include <braxcfg/autocf.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -103,12 +104,11 @@ void fillModuleRecord(ModuleRecord& view, rsrc::IoParms& parms, const std::strin
     record.host = &view;
 }
 
+// Devices added earlier in this search count as known: the list is read
+// afresh for every device reported.
 bool isKnown(const AutoConfigDevices& devices, const std::string& name) {
-    for (std::uint32_t n = 0;; ++n) {
-        const std::string known = devices.knownDevice(n);
-        if (known.empty()) return false;
-        if (known == name) return true;
-    }
+    const std::vector<std::string> known = devices.knownDevices();
+    return std::find(known.begin(), known.end(), name) != known.end();
 }
 
 // Asks the module for devices until it has none left or reports an error.
@@ -152,7 +152,7 @@ std::string visaErrorMessage(ViStatus status, const std::string& description) {
 StoreDevices::StoreDevices(const store::ConfigStore& store, std::string intf)
     : store_(store), intf_(std::move(intf)) {}
 
-std::string StoreDevices::knownDevice(std::uint32_t n) const { return store_.GetDeviceName(intf_, n); }
+std::vector<std::string> StoreDevices::knownDevices() const { return store_.GetDeviceNames(intf_); }
 
 void StoreDevices::addNewDevice(const std::string& name) { store_.AddDeviceEntry(intf_, name, "", ""); }
 
@@ -175,11 +175,7 @@ AutoConfigResult runAutoConfigSearch(const std::string& intf, const std::string&
     visa::ViSession session = visa::VI_NULL;
     if (gpibVxi) services.openDefaultRM(&session);
 
-    for (std::uint32_t n = 0;; ++n) {
-        std::string known = devices.knownDevice(n);
-        if (known.empty()) break;
-        result.knownDevices.push_back(std::move(known));
-    }
+    result.knownDevices = devices.knownDevices();
 
     parseInto(parms, visaName);
     ModuleRecord view;

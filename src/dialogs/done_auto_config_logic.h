@@ -38,8 +38,8 @@ std::string visaErrorMessage(visa::ViStatus status, const std::string& descripti
 class AutoConfigDevices {
 public:
     virtual ~AutoConfigDevices() = default;
-    // The n-th known device name; empty after the last.
-    virtual std::string knownDevice(std::uint32_t n) const = 0;
+    // The known device names, read afresh at every call.
+    virtual std::vector<std::string> knownDevices() const = 0;
     // Takes a device the search found that was not known. It counts as
     // known from then on.
     virtual void addNewDevice(const std::string& name) = 0;
@@ -50,7 +50,7 @@ public:
 class StoreDevices : public AutoConfigDevices {
 public:
     StoreDevices(const store::ConfigStore& store, std::string intf);
-    std::string knownDevice(std::uint32_t n) const override;
+    std::vector<std::string> knownDevices() const override;
     void addNewDevice(const std::string& name) override;
 
 private:

@@ -47,8 +47,6 @@ void CShowDevices::Init(const store::ConfigStore& store, const std::string& intf
     m_autoAddAllowed = autoAddAllowed;
 }
 
-std::string CShowDevices::deviceItem(int n) const { return m_deviceList.text(n); }
-
 void CShowDevices::addDeviceItem(const std::string& name) { m_deviceList.addString(name); }
 
 void CShowDevices::onInitDialog() {
@@ -59,11 +57,9 @@ void CShowDevices::onInitDialog() {
     // The store's order is kept as it is: each name goes to its position,
     // not through the sorted add.
     m_deviceList.resetContent();
-    for (std::uint32_t n = 0;; ++n) {
-        const std::string device = m_store->GetDeviceName(m_intfName, n);
-        if (device.empty()) break;
-        m_deviceList.insertString(static_cast<int>(n), device);
-    }
+    int position = 0;
+    for (const std::string& device : m_store->GetDeviceNames(m_intfName))
+        m_deviceList.insertString(position++, device);
 }
 
 void CShowDevices::applyControls() {

@@ -38,9 +38,8 @@ public:
     void Init(const store::ConfigStore& store, const std::string& intfName, const std::string& visaName,
               const std::string& rsrcType, bool editable, bool autoAddAllowed);
 
-    // What auto configuration in list mode uses: the n-th item (empty when
-    // n is not below the count) and the sorted add of a new item.
-    std::string deviceItem(int n) const;
+    // Auto configuration in list mode reads m_deviceList's items and adds
+    // what it finds here (the list's sorted add).
     void addDeviceItem(const std::string& name);
 
     const store::ConfigStore* m_store = nullptr;

@@ -8,6 +8,7 @@
 // it are skipped. Interfaces are named by their key name, "INTF<n>".
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace braxcfg::store {
 
@@ -48,6 +49,9 @@ public:
                         const std::string& unused = "") const;
     void ClearDevices(const std::string& intf) const;
     std::string GetDeviceName(const std::string& intf, std::uint32_t index) const;
+    // Every name GetDeviceName gives from index 0 to the first empty one,
+    // read at once (one open of the list instead of one per name).
+    std::vector<std::string> GetDeviceNames(const std::string& intf) const;
     std::string GetDeviceRsrcName(const std::string& intf, const std::string& device,
                                   std::uint32_t index) const;
     int IsAutoConfig(const std::string& intf) const;

@@ -55,6 +55,10 @@ std::string ConfigStore::GetDeviceName(const std::string& intf, std::uint32_t in
     return Registry(intf + "\\VISADev", kRegOpenExisting).enumKey(index);
 }
 
+std::vector<std::string> ConfigStore::GetDeviceNames(const std::string& intf) const {
+    return Registry(intf + "\\VISADev", kRegOpenExisting).subkeyNames();
+}
+
 std::string ConfigStore::GetDeviceRsrcName(const std::string& intf, const std::string& device,
                                            std::uint32_t index) const {
     return Registry(intf + "\\VISADev\\" + device, kRegOpenExisting).enumKey(index);

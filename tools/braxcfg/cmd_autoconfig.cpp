@@ -23,12 +23,10 @@ namespace {
 class DryRunDevices : public dialogs::AutoConfigDevices {
 public:
     DryRunDevices(const store::ConfigStore& store, std::string intf) : stored_(store, std::move(intf)) {}
-    std::string knownDevice(std::uint32_t n) const override {
-        if (std::string name = stored_.knownDevice(n); !name.empty()) return name;
-        std::uint32_t storedCount = 0;
-        while (!stored_.knownDevice(storedCount).empty()) ++storedCount;
-        const std::uint32_t index = n - storedCount;
-        return index < found_.size() ? found_[index] : std::string();
+    std::vector<std::string> knownDevices() const override {
+        std::vector<std::string> known = stored_.knownDevices();
+        known.insert(known.end(), found_.begin(), found_.end());
+        return known;
     }
     void addNewDevice(const std::string& name) override { found_.push_back(name); }
 

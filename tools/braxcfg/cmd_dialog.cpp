@@ -105,11 +105,9 @@ Outcome openAutoConfig(const DialogInput& input) {
     dialogs::CDoneAutoConfig dialog(nullptr);
     if (input.list) {
         deviceList.Init(store, input.value, visaName, "INSTR", true, true);
-        for (std::uint32_t n = 0;; ++n) {
-            const std::string device = store.GetDeviceName(input.value, n);
-            if (device.empty()) break;
-            deviceList.m_deviceList.insertString(static_cast<int>(n), device);
-        }
+        int position = 0;
+        for (const std::string& device : store.GetDeviceNames(input.value))
+            deviceList.m_deviceList.insertString(position++, device);
         dialog.InitListMode(deviceList, input.value, visaName);
     } else {
         dialog.InitStoreMode(store, input.value, visaName);
