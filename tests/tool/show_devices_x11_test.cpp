@@ -78,7 +78,8 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
     ASSERT_EQ(braxcfg::test::runTool(store, {"import", dir + "/start.reg"}, &output), 0) << output;
 
     const std::string env = "DISPLAY=" + display.name() + " QT_QPA_PLATFORM=xcb BRAXCFG_VISA_LIBRARY=builtin "
-                            "BRAXCFG_LAB=" BRAXCFG_SOURCE_DIR "/examples/lab.ini ";
+                            "BRAXCFG_LAB=" BRAXCFG_SOURCE_DIR "/examples/lab.ini "
+                            "LSAN_OPTIONS=suppressions=" BRAXCFG_SOURCE_DIR "/tests/tool/lsan_x11.supp ";
     // The dialog runs in the background; the person's keys follow it.
     const std::string tool = env + shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(store) +
                              " dialog devices INTF0 > " + shellQuoted(dir + "/tool.out") + " 2>&1; echo $? > " +
