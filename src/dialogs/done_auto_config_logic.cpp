@@ -171,7 +171,7 @@ AutoConfigResult runAutoConfigSearch(const std::string& intf, const std::string&
     rsrc::IoParms parms;
     // A GPIB-VXI interface is reached through the VISA run time, which must
     // stay open for the whole search.
-    const bool gpibVxi = store::ConfigStore().GetIntfType(intf) == store::kIntfGpibVxi;
+    const bool gpibVxi = store::ConfigStore().GetIntfType(intf) == visa::VI_INTF_GPIB_VXI;
     visa::ViSession session = visa::VI_NULL;
     if (gpibVxi) services.openDefaultRM(&session);
 

@@ -1,16 +1,19 @@
 #pragma once
-// Runs the built braxcfg tool as a child process, as a person or a script
-// would, on a given store.
+// Runs the built braxcfg tool as a child process. Arguments go to it as they
+// are, one word each (no shell), so quotes, blanks and a leading "-" need no
+// care.
 #include <string>
 #include <vector>
 
 namespace braxcfg::test {
 
-std::string shellQuoted(const std::string& word);
+struct ToolRun {
+    int exitCode = -1;  // -1: it did not exit (killed by a signal) or could not start
+    std::string out;
+    std::string err;
+};
 
-// `env`: "NAME=value" words set for the child only. Returns the exit code
-// (-1 when it did not exit), with stdout and stderr in `output`.
-int runTool(const std::string& store, const std::vector<std::string>& args, std::string* output = nullptr,
-            const std::vector<std::string>& env = {});
+// The tool's standard output, standard error and exit code.
+ToolRun runTool(const std::vector<std::string>& args);
 
 }  // namespace braxcfg::test

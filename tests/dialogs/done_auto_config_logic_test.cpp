@@ -77,7 +77,7 @@ TEST_P(AutoConfigSearch, ReportsWritesAndCallsTheModule) {
     test::putTree(std::string("[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"") + c.typeWord +
                   "\"\n[INTF0\\VISADev]\n[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INSTR\"\n"
                   "\"GPIB\"=hex:01\n");
-    for (const auto& name : c.stored) store::ConfigStore().AddDeviceEntry("INTF0", name, "");
+    for (const auto& name : c.stored) store::ConfigStore().AddDeviceEntry("INTF0", name, "", "");
     test::FakeAutocf module;
     module.resetStatus = c.resetStatus;
     module.reports = c.reports;

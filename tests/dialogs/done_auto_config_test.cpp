@@ -10,7 +10,7 @@
 #include "fake_autocf.h"
 #include "store/config_store.h"
 #include "tree_text.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::dialogs {
 namespace {

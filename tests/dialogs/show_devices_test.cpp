@@ -15,7 +15,7 @@
 #include "store/config_store.h"
 #include "store/device_list_write.h"
 #include "tree_text.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::dialogs {
 namespace {

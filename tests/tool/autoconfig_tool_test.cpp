@@ -12,14 +12,14 @@
 
 namespace {
 
-using braxcfg::test::runTool;
-
 const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
-const std::string kLab = "BRAXCFG_LAB=" BRAXCFG_SOURCE_DIR "/examples/lab.ini";
 
 class AutoconfigTool : public ::testing::Test {
 protected:
     void SetUp() override {
+        // The tool inherits these: the example lab, and no system VISA library.
+        setenv("BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini", 1);
+        setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1);
         dir_ = braxcfg::test::testOutputDir("autoconfig_tool/" + std::to_string(getpid()));
         std::filesystem::remove_all(dir_);
         std::filesystem::create_directories(dir_);
@@ -32,9 +32,17 @@ protected:
         std::string output;
         ASSERT_EQ(run({"import", dir_ + "/start.reg"}, &output), 0) << output;
     }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-    int run(const std::vector<std::string>& args, std::string* output = nullptr) const {
-        return runTool(dir_ + "/store.db", args, output, {kLab, "BRAXCFG_VISA_LIBRARY=builtin"});
+    void TearDown() override {
+        unsetenv("BRAXCFG_LAB");
+        unsetenv("BRAXCFG_VISA_LIBRARY");
+        std::filesystem::remove_all(dir_);
+    }
+    // The exit code; stdout, then stderr, in `output`.
+    int run(std::vector<std::string> args, std::string* output = nullptr) const {
+        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
+        const auto result = braxcfg::test::runTool(args);
+        if (output) *output = result.out + result.err;
+        return result.exitCode;
     }
 
     std::string dir_;
@@ -68,7 +76,8 @@ TEST_F(AutoconfigTool, JsonIsUtf8AndErrorsExitTwo) {
     EXPECT_EQ(nlohmann::json::parse(output)["visaName"], "GPIB\xc3\xa9");
     EXPECT_EQ(run({"autoconfig", "INTF7"}, &output), 2);
     EXPECT_NE(output.find("INTF7 is not a valid VISA interface"), std::string::npos) << output;
-    EXPECT_EQ(runTool(dir_ + "/store.db", {"autoconfig", "INTF0"}, &output, {"BRAXCFG_LAB=/nonexistent.ini"}), 2);
+    setenv("BRAXCFG_LAB", "/nonexistent.ini", 1);
+    EXPECT_EQ(run({"autoconfig", "INTF0"}, &output), 2);
     EXPECT_NE(output.find("braxcfg: VISA Error (0xbfff003a) occurred. "), std::string::npos) << output;
 }
 

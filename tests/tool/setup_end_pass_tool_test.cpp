@@ -41,9 +41,13 @@ protected:
     }
     void TearDown() override { std::filesystem::remove_all(dir_); }
 
-    // Runs the tool on the test's store; its exit code, with stderr in `output`.
-    int run(const std::vector<std::string>& args, std::string* output = nullptr) const {
-        return braxcfg::test::runTool(dir_ + "/store.db", args, output);
+    // Runs the tool on the test's store; its exit code, with its output
+    // (stdout, then stderr) in `output`.
+    int run(std::vector<std::string> args, std::string* output = nullptr) const {
+        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
+        const braxcfg::test::ToolRun result = braxcfg::test::runTool(args);
+        if (output) *output = result.out + result.err;
+        return result.exitCode;
     }
 
     std::string dir_;

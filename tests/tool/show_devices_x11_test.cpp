@@ -17,7 +17,19 @@
 namespace {
 
 using namespace std::chrono_literals;
-using braxcfg::test::shellQuoted;
+std::string shellQuoted(const std::string& word) {
+    std::string out = "'";
+    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+// The tool on `store`: its exit code, with stdout and stderr in `output`.
+int runTool(const std::string& store, std::vector<std::string> args, std::string* output = nullptr) {
+    args.insert(args.begin(), {"--store", store});
+    const auto result = braxcfg::test::runTool(args);
+    if (output) *output = result.out + result.err;
+    return result.exitCode;
+}
 
 const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
 
@@ -75,7 +87,7 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
                                       << "\\VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n"
                                          "\"PrefixName\"=\"INSTR\"\n\"GPIB\"=hex:01\n";
     std::string output;
-    ASSERT_EQ(braxcfg::test::runTool(store, {"import", dir + "/start.reg"}, &output), 0) << output;
+    ASSERT_EQ(runTool(store, {"import", dir + "/start.reg"}, &output), 0) << output;
 
     const std::string env = "DISPLAY=" + display.name() + " QT_QPA_PLATFORM=xcb BRAXCFG_VISA_LIBRARY=builtin "
                             "BRAXCFG_LAB=" BRAXCFG_SOURCE_DIR "/examples/lab.ini "
@@ -111,14 +123,14 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
     const std::string toolText((std::istreambuf_iterator<char>(toolOut)), std::istreambuf_iterator<char>());
     ASSERT_EQ(code, 0) << toolText;
 
-    ASSERT_EQ(braxcfg::test::runTool(store, {"interfaces"}, &output), 0);
-    ASSERT_EQ(braxcfg::test::runTool(store, {"devices", "INTF0"}, &output), 0);
+    ASSERT_EQ(runTool(store, {"interfaces"}, &output), 0);
+    ASSERT_EQ(runTool(store, {"devices", "INTF0"}, &output), 0);
     EXPECT_EQ(output,
               "GPIB0::22\n  GPIB0::22::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::24\n  GPIB0::24::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::5::3\n  GPIB0::5::3::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::9\n  GPIB0::9::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n");
-    ASSERT_EQ(braxcfg::test::runTool(store, {"export", "--utf8", "--key", kProduct + "\\INTF0", dir + "/intf.reg"}), 0);
+    ASSERT_EQ(runTool(store, {"export", "--utf8", "--key", kProduct + "\\INTF0", dir + "/intf.reg"}), 0);
     std::ifstream exported(dir + "/intf.reg");
     const std::string reg((std::istreambuf_iterator<char>(exported)), std::istreambuf_iterator<char>());
     EXPECT_NE(reg.find("\"VISAAutoConfig\"=hex:00"), std::string::npos) << reg;
