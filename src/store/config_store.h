@@ -35,6 +35,10 @@ public:
     // The last text is accepted and not used; callers pass "".
     void AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
                         const std::string& unused) const;
+    // AddDeviceEntry for each of `devices` in turn, the resource classes
+    // read once.
+    void AddDeviceEntries(const std::string& intf, const std::vector<std::string>& devices,
+                          const std::string& classFilter) const;
     void ClearDevices(const std::string& intf) const;
     std::string GetDeviceName(const std::string& intf, std::uint32_t index) const;
     // Every name GetDeviceName gives from index 0 to the first empty one,

@@ -9,7 +9,7 @@ bool writeDeviceList(const ConfigStore& store, const DeviceListWrite& plan) {
     if (!transaction.active()) return false;
     store.SetAutoConfig(plan.intf, plan.autoConfig);
     store.ClearDevices(plan.intf);
-    for (const std::string& device : plan.devices) store.AddDeviceEntry(plan.intf, device, plan.classFilter, "");
+    store.AddDeviceEntries(plan.intf, plan.devices, plan.classFilter);
     return transaction.commit();
 }
 
