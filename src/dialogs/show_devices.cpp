@@ -101,8 +101,9 @@ void CShowDevices::onOk() {
     if (!updateData(true)) return;
     const store::DeviceListWrite plan =
         deviceListWritePlan(m_intfName, m_identifyAtRunTime, m_deviceList.items(), m_rsrcType);
-    if (!store::writeDeviceList(*m_store, plan)) {
-        ui::messageBox(this, store::deviceListNotWrittenMessage(m_visaName), "", ui::MessageIcon::Exclamation);
+    if (const platform::StoreFailure failure = store::writeDeviceList(*m_store, plan);
+        failure != platform::StoreFailure::None) {
+        ui::messageBox(this, platform::storeFailureMessage(failure), "", ui::MessageIcon::Exclamation);
         return;
     }
     endDialog(ui::kIdOk);

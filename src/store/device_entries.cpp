@@ -6,6 +6,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/list_rewrite.h"
 
 namespace braxcfg::store {
 namespace {
@@ -49,28 +50,28 @@ void writeDevice(const Registry& devices, const std::string& device, const std::
 
 }  // namespace
 
-void ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
-                                 const std::string& /*unused*/) const {
-    AddDeviceEntries(intf, {device}, classFilter);
+platform::StoreFailure ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& device,
+                                                   const std::string& classFilter, const std::string& /*unused*/) const {
+    return AddDeviceEntries(intf, {device}, classFilter);
 }
 
-void ConfigStore::AddDeviceEntries(const std::string& intf, const std::vector<std::string>& devices,
-                                   const std::string& classFilter) const {
-    platform::StoreTransaction transaction;
-    const Registry intfKey(intf, kRegOpenExisting);
-    const Registry list(intfKey.handle(), "VISADev", kRegOpenExisting);
-    const std::string typeWord = intfKey.getString("VISAIntfType");
-    const std::vector<ResourceClass> classes = deviceClasses(typeWord, classFilter);
-    for (const std::string& device : devices) writeDevice(list, device, classes, typeWord);
-    transaction.commit();
+platform::StoreFailure ConfigStore::AddDeviceEntries(const std::string& intf, const std::vector<std::string>& devices,
+                                                     const std::string& classFilter) const {
+    return rewriteList([&] {
+        const Registry intfKey(intf, kRegOpenExisting);
+        const Registry list(intfKey.handle(), "VISADev", kRegOpenExisting);
+        const std::string typeWord = intfKey.getString("VISAIntfType");
+        const std::vector<ResourceClass> classes = deviceClasses(typeWord, classFilter);
+        for (const std::string& device : devices) writeDevice(list, device, classes, typeWord);
+    });
 }
 
-void ConfigStore::ClearDevices(const std::string& intf) const {
-    platform::StoreTransaction transaction;
-    const Registry intfKey(intf, kRegOpenExisting);
-    intfKey.deleteTree("VISADev");
-    const Registry devices(intfKey.handle(), "VISADev", kRegOpenOrCreate);
-    transaction.commit();
+platform::StoreFailure ConfigStore::ClearDevices(const std::string& intf) const {
+    return rewriteList([&] {
+        const Registry intfKey(intf, kRegOpenExisting);
+        intfKey.deleteTree("VISADev");
+        const Registry devices(intfKey.handle(), "VISADev", kRegOpenOrCreate);
+    });
 }
 
 std::string ConfigStore::GetDeviceName(const std::string& intf, std::uint32_t index) const {

@@ -17,15 +17,9 @@ struct DeviceListWrite {
 };
 
 // Sets the flag, clears the device entries and adds one entry per device.
-// False, with nothing written, when the transaction cannot start within the
-// store's bounded wait or cannot be committed.
-bool writeDeviceList(const ConfigStore& store, const DeviceListWrite& plan);
-
-}  // namespace braxcfg::store
-
-namespace braxcfg::store {
-
-// What the user is told when writeDeviceList() wrote nothing.
-std::string deviceListNotWrittenMessage(const std::string& visaName);
+// StoreFailure::None when written; otherwise nothing was written (the
+// transaction could not start within the store's bounded wait, or could not
+// commit) and the value says why.
+platform::StoreFailure writeDeviceList(const ConfigStore& store, const DeviceListWrite& plan);
 
 }  // namespace braxcfg::store

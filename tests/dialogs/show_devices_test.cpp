@@ -201,7 +201,7 @@ TEST_F(ShowDevicesTest, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
     sqlite3_close(other);
     EXPECT_EQ(result, ui::kIdOk);
     ASSERT_EQ(boxes_.texts().size(), 1u);
-    EXPECT_EQ(boxes_.texts()[0], store::deviceListNotWrittenMessage("GPIB0"));
+    EXPECT_EQ(boxes_.texts()[0], platform::storeFailureMessage(platform::StoreFailure::Busy));
     EXPECT_NE(test::treeText("INTF0"), before);
     EXPECT_EQ(store_.GetDeviceName("INTF0", 1), "GPIB0::24");
 }

@@ -1,6 +1,7 @@
 #include "command.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 
 #include "platform/store.h"
@@ -31,6 +32,8 @@ const std::vector<Command>& registeredCommands() {
 int prepareStore(StoreUse use, const std::string& path) {
     using namespace platform;
     if (use == StoreUse::None) return 0;
+    if (path.empty() && std::getenv("BRAXCFG_STORE") != nullptr && *std::getenv("BRAXCFG_STORE") == '\0')
+        return fail("BRAXCFG_STORE is set but empty; name a store file or unset it");
     const std::string file = path.empty() ? resolveStorePath() : path;
     const StoreStatus status = openStore(file);
     if (status.state != StoreOpenState::Open) return fail("cannot use the store " + file + ": " + status.error);

@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
         if (args[i] == "--store") {
             if (i + 1 >= args.size()) return braxcfg::tool::fail("option --store needs a value");
             storeOption = args[i + 1];
+            if (storeOption.empty()) return braxcfg::tool::fail("option --store needs a file name, not an empty one");
             args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
             break;
         }
