@@ -12,7 +12,7 @@
 #include <random>
 #include <thread>
 
-#include "visacore/lan/deadline.h"
+#include "visacore/lan/tcp_link.h"
 #include "visacore/lan/dns_message.h"
 #include "visacore/lan/lan_query.h"
 #include "visacore/lan/local_interfaces.h"

@@ -6,9 +6,9 @@
 
 #include "visacore/cancel_token.h"
 #include "visacore/lan/deadline.h"
-#include "visacore/lan/resolver.h"
 #include "visacore/lan/socket_address.h"
 #include "visacore/lan/tcp_link.h"
+#include "visacore/lan/resolver.h"
 #include "visacore/visa_types.h"
 
 namespace braxcfg::visa::lan {
