@@ -8,7 +8,7 @@ namespace braxcfg::visa::lan::sim {
 namespace {
 
 TEST(LabFile, KeysAndDefaultsFromTheResourceString) {
-    const Lab lab = parseLab("; a lab\n"
+    const Lab lab = parseLab("; a lab\n# by hand\n"
                              "[GPIB0::22::INSTR]\n"
                              "Identification = Tolvane,DMM 7,1001,1.2\n"
                              "[TCPIP0::127.0.0.1::gpib0,5::INSTR]\n"
@@ -31,7 +31,7 @@ TEST(LabFile, KeysAndDefaultsFromTheResourceString) {
     ASSERT_EQ(lab.instruments.size(), 3u) << "the GPIB section is the auto-configuration's";
     const LabInstrument& vxi = lab.instruments[0];
     EXPECT_EQ(vxi.address, "127.0.0.1");
-    EXPECT_EQ(vxi.line, 4);
+    EXPECT_EQ(vxi.line, 5);
     EXPECT_TRUE(vxi.vxi11 && !vxi.hislip && !vxi.socket);
     EXPECT_EQ(vxi.deviceNames, (std::vector<std::string>{"inst0", "gpib0,5"}));
     EXPECT_EQ(vxi.mdnsName, "Scope 4") << "the model field";

@@ -101,6 +101,9 @@ private:
     LabInstrument& instrument_;
 };
 
+// The profile rules know only ";" comments; lab files also use "#".
+bool isComment(const platform::ProfileEntry& entry) { return entry.key.starts_with('#'); }
+
 // Defaults that come from the resource string itself.
 void takeResourceDefaults(const LanResource& resource, LabInstrument& instrument) {
     instrument.address = resource.host;
@@ -131,7 +134,11 @@ Lab parseLab(std::string_view text, const std::string& name) {
         const auto fail = [&](int line, const std::string& reason) {
             return Lab{{}, name + ":" + std::to_string(line) + ": " + reason};
         };
-        if (section.line == 0) return fail(section.entries.front().line, "a line before the first [RESOURCE]");
+        if (section.line == 0) {
+            for (const platform::ProfileEntry& entry : section.entries)
+                if (!isComment(entry)) return fail(entry.line, "a line before the first [RESOURCE]");
+            continue;
+        }
         for (const std::string& earlier : seen)
             if (sameName(earlier, section.name)) return fail(section.line, "[" + section.name + "] appears twice");
         seen.push_back(section.name);
@@ -147,7 +154,7 @@ Lab parseLab(std::string_view text, const std::string& name) {
         takeResourceDefaults(resource, instrument);
         SectionReader reader(name, instrument);
         for (const platform::ProfileEntry& entry : section.entries) {
-            if (entry.key.starts_with('#')) continue;  // a comment in the other common style
+            if (isComment(entry)) continue;
             if (std::string error = reader.read(entry); !error.empty()) return Lab{{}, error};
         }
         if (instrument.identification.empty()) return fail(section.line, "[" + section.name + "] has no Identification");
