@@ -160,6 +160,31 @@ TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
     std::remove(lab.c_str());
 }
 
+TEST_F(LanDiscovery, ToolAddsWhatItFoundToATcpipInterface) {
+    serve(true);
+    const std::string store = test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) + ".db";
+    const auto tool = [&](std::vector<std::string> args) {
+        args.insert(args.begin(), {"--store", store});
+        return test::runTool(args);
+    };
+    ASSERT_EQ(tool({"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
+    ASSERT_EQ(tool({"setup", "INTF5"}).exitCode, 0);  // TCPIP0
+    EXPECT_EQ(tool({"discover", "--timeout", "1", "--add", "INTF0"}).err,
+              "braxcfg: INTF0 is not a TCPIP interface\n");
+    const test::ToolRun added = tool({"discover", "--timeout", "1", "--json", "--add", "INTF5"});
+    EXPECT_EQ(added.exitCode, 0);
+    EXPECT_EQ(added.err, "added TCPIP0::10.77.0.10::inst0::INSTR to INTF5\n"
+                         "added TCPIP0::10.77.0.10::hislip0::INSTR to INTF5\n"
+                         "added TCPIP0::10.77.0.11::5025::SOCKET to INTF5\n");
+    EXPECT_NO_THROW(nlohmann::json::parse(added.out)) << "the report stays off the JSON";
+    const std::string listed = tool({"devices", "INTF5"}).out;
+    for (const char* entry : {"TCPIP0::10.77.0.10::inst0\n  TCPIP0::10.77.0.10::inst0::INSTR\n",
+                              "TCPIP0::10.77.0.10::hislip0\n  TCPIP0::10.77.0.10::hislip0::INSTR\n",
+                              "TCPIP0::10.77.0.11::5025\n  TCPIP0::10.77.0.11::5025::SOCKET\n"})
+        EXPECT_NE(listed.find(entry), std::string::npos) << entry << " in\n" << listed;
+    for (const char* suffix : {"", "-wal", "-shm"}) std::remove((store + suffix).c_str());
+}
+
 TEST(LanSimulateTool, MalformedLabNamesFileAndLine) {
     const std::string lab = test::testOutputDir("integration") + "/bad-lab-" + std::to_string(getpid()) + ".ini";
     std::ofstream(lab) << "[TCPIP0::127.0.0.1::INSTR]\nIdentification = x\nHislipPort = many\n";

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command.h"
+#include "lan_device_entries.h"
 #include "visacore/status_text.h"
 #include "visacore/lan/lan_discovery.h"
 
@@ -93,11 +94,16 @@ int runDiscover(const Args& args) {
         printJson(instruments);
     else
         printText(instruments);
-    return 0;
+    if (!hasOption(split, "--add")) return 0;
+    std::vector<std::string> resources;
+    for (const DiscoveredInstrument& instrument : instruments)
+        resources.insert(resources.end(), instrument.resources.begin(), instrument.resources.end());
+    // The listing went to stdout already; the entries' report must not spoil JSON.
+    return addLanDeviceEntries(optionValue(split, "--add"), resources, json ? std::cerr : std::cout);
 }
 
 const CommandRegistration kDiscover({"discover", "find LAN instruments (VXI-11 broadcast and mDNS)",
-                                     "usage: braxcfg discover [--timeout S] [--json]\n"
+                                     "usage: braxcfg discover [--timeout S] [--json] [--add INTF]\n"
                                      "Sends a VXI-11 portmapper broadcast on every up IPv4 interface and\n"
                                      "mDNS queries for _vxi-11._tcp, _hislip._tcp, _scpi-raw._tcp and\n"
                                      "_lxi._tcp (IPv4 and IPv6) at once, collects answers for S seconds\n"
@@ -105,7 +111,9 @@ const CommandRegistration kDiscover({"discover", "find LAN instruments (VXI-11 b
                                      "Each instrument is listed once with the methods that found it and\n"
                                      "the resource strings it offers.\n"
                                      "  --timeout S  how long to collect answers (up to 60 seconds)\n"
-                                     "  --json       print a JSON array instead of text\n",
+                                     "  --json       print a JSON array instead of text\n"
+                                     "  --add INTF   add every resource found as a device entry of the TCPIP\n"
+                                     "               interface INTF (renumbered to its board), in one go\n",
                                      StoreUse::None, runDiscover});
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -297,6 +298,9 @@ void Simulator::Impl::run() {
 void Simulator::Impl::accept(const Listener& listener) {
     const int fd = accept4(listener.fd, nullptr, nullptr, SOCK_CLOEXEC);
     if (fd < 0) return;
+    // Every answer is one write that the client waits for.
+    const int on = 1;
+    setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     std::lock_guard lock(mutex);
     Connection& connection = connections.emplace_back();
     connection.fd = fd;
