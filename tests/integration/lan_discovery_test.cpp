@@ -32,8 +32,11 @@ constexpr const char* kLab = "[TCPIP0::10.77.0.10::inst0::INSTR]\n"
 class LanDiscovery : public ::testing::Test {
 protected:
     void SetUp() override {
+        // No duplicate address detection: the link-local IPv6 addresses are
+        // usable as soon as the links are up.
         ASSERT_EQ(std::system("ip link add v0 type veth peer name v1 && ip addr add 10.77.0.1/24 brd + dev v0 && "
                               "ip addr add 10.77.0.10/24 dev v0 && ip addr add 10.77.0.11/24 dev v0 && "
+                              "sysctl -qw net.ipv6.conf.v0.accept_dad=0 net.ipv6.conf.v1.accept_dad=0 && "
                               "ip link set v0 up && ip link set v1 up"),
                   0)
             << "cannot make the veth pair";
@@ -47,8 +50,7 @@ protected:
         ASSERT_TRUE(simulator_.start(sim::parseLab(kLab, "lab.ini"), options, error)) << error;
     }
 
-    static std::vector<DiscoveredInstrument> discover() {
-        DiscoveryOptions options;
+    static std::vector<DiscoveredInstrument> discover(DiscoveryOptions options = {}) {
         options.timeout = 1000ms;
         return discoverLanInstruments(options);
     }
@@ -82,6 +84,19 @@ TEST_F(LanDiscovery, BroadcastAloneWithoutMdnsAnswers) {
     EXPECT_EQ(found[0].address, "10.77.0.10");
     EXPECT_EQ(found[0].methods, unsigned{kFoundByVxi11Broadcast});
     EXPECT_EQ(found[0].resources, std::vector<std::string>{"TCPIP0::10.77.0.10::inst0::INSTR"});
+}
+
+TEST_F(LanDiscovery, MdnsOverIpv6Alone) {
+    serve(true);
+    DiscoveryOptions options;
+    options.broadcast = false;
+    options.mdnsOverIpv4 = false;
+    const auto found = discover(options);
+    ASSERT_EQ(found.size(), 2u);
+    // The answers' A records name the instruments, whichever family carried them.
+    EXPECT_EQ(found[0].address, "10.77.0.10");
+    EXPECT_EQ(found[0].methods, unsigned{kFoundByMdns});
+    EXPECT_EQ(found[1].address, "10.77.0.11");
 }
 
 TEST_F(LanDiscovery, SilentNetworkGivesNothingAtTheDeadline) {

@@ -242,11 +242,11 @@ std::vector<DiscoveredInstrument> discoverLanInstruments(const DiscoveryOptions&
         sendBroadcasts(broadcast, xid, interfaces, options.portmapperPort);
         sockets.push_back(&broadcast);
     }
-    if (options.mdns && mdnsV4.fd() >= 0) {
+    if (options.mdns && options.mdnsOverIpv4 && mdnsV4.fd() >= 0) {
         sendMdnsV4(mdnsV4, interfaces, options.mdnsPort);
         sockets.push_back(&mdnsV4);
     }
-    if (options.mdns && mdnsV6.fd() >= 0) {
+    if (options.mdns && options.mdnsOverIpv6 && mdnsV6.fd() >= 0) {
         sendMdnsV6(mdnsV6, interfaces, options.mdnsPort);
         sockets.push_back(&mdnsV6);
     }

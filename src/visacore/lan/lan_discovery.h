@@ -32,6 +32,8 @@ struct DiscoveryOptions {
     const CancelToken* cancel = nullptr;
     bool broadcast = true;
     bool mdns = true;
+    bool mdnsOverIpv4 = true;  // with mdns: which multicast groups are asked
+    bool mdnsOverIpv6 = true;
     bool identify = true;
     std::chrono::milliseconds identifyBudget{2000};  // per instrument, all asked at once
     // Where the queries go; tests and the simulator use other ports.
