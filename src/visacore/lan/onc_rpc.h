@@ -25,6 +25,17 @@ inline constexpr std::uint32_t kDeviceWrite = 11;
 inline constexpr std::uint32_t kDeviceRead = 12;
 inline constexpr std::uint32_t kDestroyLink = 23;
 
+// Device core error codes, as create_link, device_write and device_read
+// answer them.
+inline constexpr std::int32_t kNoError = 0;
+inline constexpr std::int32_t kSyntaxError = 1;
+inline constexpr std::int32_t kDeviceNotAccessible = 3;
+inline constexpr std::int32_t kInvalidLinkId = 4;
+inline constexpr std::int32_t kOutOfResources = 9;
+inline constexpr std::int32_t kDeviceLocked = 11;
+inline constexpr std::int32_t kIoTimeout = 15;
+inline constexpr std::int32_t kInvalidAddress = 21;
+
 // device_write/device_read flags: the last bytes of a message (END).
 inline constexpr std::uint32_t kFlagEnd = 8;
 // device_read reasons: the read stopped at END.

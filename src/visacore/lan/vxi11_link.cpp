@@ -14,15 +14,6 @@
 namespace braxcfg::visa::lan {
 namespace {
 
-// Error codes of the device core protocol.
-constexpr std::int32_t kNoError = 0;
-constexpr std::int32_t kSyntaxError = 1;
-constexpr std::int32_t kDeviceNotAccessible = 3;
-constexpr std::int32_t kOutOfResources = 9;
-constexpr std::int32_t kDeviceLocked = 11;
-constexpr std::int32_t kIoTimeout = 15;
-constexpr std::int32_t kInvalidAddress = 21;
-
 // The longest answer a query collects; an identification is a line.
 constexpr std::size_t kMaxAnswer = 64 * 1024;
 
@@ -77,21 +68,21 @@ ViStatus call(TcpLink& link, const Encoder& encode, Answer& answer) {
 
 ViStatus createLinkStatus(std::int32_t error) {
     switch (error) {
-    case kNoError: return VI_SUCCESS;
+    case rpc::kNoError: return VI_SUCCESS;
     // Servers differ in how they say "no such device": gateways answer an
     // unknown GPIB address with 21, others use 1 or 3.
-    case kSyntaxError:
-    case kDeviceNotAccessible:
-    case kInvalidAddress: return VI_ERROR_RSRC_NFOUND;
-    case kOutOfResources: return VI_ERROR_RSRC_BUSY;
-    case kDeviceLocked: return VI_ERROR_RSRC_LOCKED;
+    case rpc::kSyntaxError:
+    case rpc::kDeviceNotAccessible:
+    case rpc::kInvalidAddress: return VI_ERROR_RSRC_NFOUND;
+    case rpc::kOutOfResources: return VI_ERROR_RSRC_BUSY;
+    case rpc::kDeviceLocked: return VI_ERROR_RSRC_LOCKED;
     default: return VI_ERROR_IO;
     }
 }
 
 ViStatus transferStatus(std::int32_t error) {
-    if (error == kNoError) return VI_SUCCESS;
-    return error == kIoTimeout ? VI_ERROR_TMO : VI_ERROR_IO;
+    if (error == rpc::kNoError) return VI_SUCCESS;
+    return error == rpc::kIoTimeout ? VI_ERROR_TMO : VI_ERROR_IO;
 }
 
 // The core channel's port from the portmapper, or a failure status.

@@ -13,12 +13,6 @@ namespace {
 constexpr std::uint32_t kNullProcedure = 0;
 constexpr std::uint32_t kMaxTransfer = 65536;
 
-// Device core error codes the simulator answers.
-constexpr std::uint32_t kNoError = 0;
-constexpr std::uint32_t kDeviceNotAccessible = 3;
-constexpr std::uint32_t kInvalidLink = 4;
-constexpr std::uint32_t kIoTimeout = 15;
-
 using Bytes = std::vector<std::uint8_t>;
 
 struct Link {
@@ -47,7 +41,7 @@ public:
         case rpc::kDestroyLink: {
             std::uint32_t id = 0;
             if (!args.u32(id)) return rpc::acceptedReply(call.xid, rpc::kGarbageArguments);
-            return rpc::acceptedReply(call.xid, rpc::kAcceptSuccess, words({links_.erase(id) ? kNoError : kInvalidLink}));
+            return rpc::acceptedReply(call.xid, rpc::kAcceptSuccess, words({static_cast<std::uint32_t>(links_.erase(id) ? rpc::kNoError : rpc::kInvalidLinkId)}));
         }
         default: return rpc::acceptedReply(call.xid, rpc::kProcedureUnavailable);
         }
@@ -61,10 +55,10 @@ private:
             return rpc::acceptedReply(xid, rpc::kGarbageArguments);
         const auto found = site_.devices.find(std::string(device.begin(), device.end()));
         if (found == site_.devices.end())
-            return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({kDeviceNotAccessible, 0, 0, 0}));
+            return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({rpc::kDeviceNotAccessible, 0, 0, 0}));
         const std::uint32_t id = nextLink_++;
         links_[id] = Link{found->second, {}, {}};
-        return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({kNoError, id, 0, kMaxTransfer}));
+        return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({rpc::kNoError, id, 0, kMaxTransfer}));
     }
 
     Bytes deviceWrite(rpc::XdrReader& args, std::uint32_t xid) {
@@ -74,27 +68,27 @@ private:
             !args.opaque(kMaxTransfer, data))
             return rpc::acceptedReply(xid, rpc::kGarbageArguments);
         const auto link = links_.find(id);
-        if (link == links_.end()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({kInvalidLink, 0}));
+        if (link == links_.end()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({rpc::kInvalidLinkId, 0}));
         link->second.input.append(data.begin(), data.end());
         if ((flags & rpc::kFlagEnd) != 0) {
             link->second.output = respond(*link->second.instrument, link->second.input);
             link->second.input.clear();
         }
         return rpc::acceptedReply(xid, rpc::kAcceptSuccess,
-                                  words({kNoError, static_cast<std::uint32_t>(data.size())}));
+                                  words({rpc::kNoError, static_cast<std::uint32_t>(data.size())}));
     }
 
     Bytes deviceRead(rpc::XdrReader& args, std::uint32_t xid) {
         std::uint32_t id = 0, requestSize = 0;
         if (!args.u32(id) || !args.u32(requestSize)) return rpc::acceptedReply(xid, rpc::kGarbageArguments);
         const auto link = links_.find(id);
-        if (link == links_.end()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({kInvalidLink, 0, 0}));
+        if (link == links_.end()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({rpc::kInvalidLinkId, 0, 0}));
         std::string& output = link->second.output;
         // Nothing to read: a real instrument would wait out the I/O timeout.
-        if (output.empty()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({kIoTimeout, 0, 0}));
+        if (output.empty()) return rpc::acceptedReply(xid, rpc::kAcceptSuccess, words({rpc::kIoTimeout, 0, 0}));
         const std::size_t size = std::min<std::size_t>(output.size(), std::max<std::uint32_t>(requestSize, 1));
         rpc::XdrWriter results;
-        results.u32(kNoError);
+        results.u32(rpc::kNoError);
         results.u32(size == output.size() ? rpc::kReasonEnd : 0);
         results.opaque({reinterpret_cast<const std::uint8_t*>(output.data()), size});
         output.erase(0, size);
