@@ -7,6 +7,7 @@
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "visacore/lan/lan_resource.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -33,7 +34,7 @@ int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>&
     if (!status.writable) return fail("the store " + path + " is not writable by this user");
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
-    if (store.GetIntfType(intf) != store::kIntfTcpip) return fail(intf + " is not a TCPIP interface");
+    if (store.GetIntfType(intf) != visa::VI_INTF_TCPIP) return fail(intf + " is not a TCPIP interface");
     if (!platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen())
         return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
     const std::string visaName = store.GetVisaName(intf);
@@ -46,7 +47,7 @@ int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>&
     for (const std::string& resource : resources) {
         std::string device, resourceClass;
         if (!deviceEntry(resource, static_cast<unsigned>(board), device, resourceClass)) continue;
-        store.AddDeviceEntry(intf, device, resourceClass);
+        store.AddDeviceEntry(intf, device, resourceClass, "");
         added.push_back(device + "::" + resourceClass);
     }
     if (!transaction.commit()) return fail("the store could not be written; nothing was added");
