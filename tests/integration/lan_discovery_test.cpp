@@ -99,6 +99,33 @@ TEST_F(LanDiscovery, MdnsOverIpv6Alone) {
     EXPECT_EQ(found[1].address, "10.77.0.11");
 }
 
+TEST_F(LanDiscovery, BroadcastAnsweredFromEachAddress) {
+    // Two VXI-11 instruments behind one portmapper socket: each reply must
+    // come from its instrument's own address.
+    std::string error;
+    ASSERT_TRUE(simulator_.start(sim::parseLab("[TCPIP0::10.77.0.10::INSTR]\nIdentification = A,One,1,1\n"
+                                               "[TCPIP0::10.77.0.11::INSTR]\nIdentification = A,Two,2,1\n",
+                                               "lab.ini"),
+                                 {}, error))
+        << error;
+    DiscoveryOptions options;
+    options.mdns = false;
+    const auto found = discover(options);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].identification, "A,One,1,1");
+    EXPECT_EQ(found[1].identification, "A,Two,2,1");
+    EXPECT_EQ(found[1].resources, std::vector<std::string>{"TCPIP0::10.77.0.11::inst0::INSTR"});
+}
+
+TEST_F(LanDiscovery, CancelledBeforeAnyAnswer) {
+    serve(true);
+    CancelToken cancel;
+    cancel.cancel();
+    DiscoveryOptions options;
+    options.cancel = &cancel;
+    EXPECT_TRUE(discover(options).empty());
+}
+
 TEST_F(LanDiscovery, SilentNetworkGivesNothingAtTheDeadline) {
     EXPECT_TRUE(discover().empty());
 }

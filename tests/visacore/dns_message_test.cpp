@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "visacore/lan/mdns_services.h"
+#include "visacore/lan/sim/mdns_responder.h"
 
 namespace braxcfg::visa::lan {
 namespace {
@@ -125,3 +126,55 @@ TEST(MdnsServices, ResponsesBecomeResourceStrings) {
 
 }  // namespace
 }  // namespace braxcfg::visa::lan
+
+namespace braxcfg::visa::lan::sim {
+namespace {
+
+TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
+    LabInstrument scope, meter;
+    scope.mdnsName = "Scope";
+    meter.mdnsName = "Meter";
+    Site first{"10.0.0.2", false, 111, 1024, {{"inst0", &scope}}, {{4881, {{"hislip0", &scope}}}}, {}, {&scope}};
+    Site second{"10.0.0.3", false, 111, 0, {}, {}, {{5025, &meter}}, {&meter}};
+    const auto answers = [&](std::string_view type, bool response = false, std::vector<Site> sites = {}) {
+        dns::Message query;
+        query.id = 9;
+        query.response = response;
+        query.questions.push_back({std::string(type), dns::kPtr});
+        std::vector<dns::Message> parsed;
+        for (const auto& packet : mdnsResponses(query, sites.empty() ? std::vector{first, second} : sites)) {
+            parsed.emplace_back();
+            EXPECT_TRUE(dns::parseMessage(packet, parsed.back()));
+        }
+        return parsed;
+    };
+    const auto hislip = answers("_HISLIP._tcp.local");
+    ASSERT_EQ(hislip.size(), 1u);
+    EXPECT_EQ(hislip[0].id, 9) << "a one-shot querier matches answers by ID";
+    ASSERT_EQ(hislip[0].questions.size(), 1u) << "and expects its question back";
+    const auto findings = readServiceResponse(hislip[0], "192.0.2.1");
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].address, "10.0.0.2") << "from the A record, not the sender";
+    EXPECT_EQ(findings[0].instanceName, "Scope");
+    EXPECT_EQ(findings[0].resources, std::vector<std::string>{"TCPIP0::10.0.0.2::hislip0,4881::INSTR"});
+
+    EXPECT_EQ(answers("_vxi-11._tcp.local").size(), 1u);
+    const auto raw = answers("_scpi-raw._tcp.local");
+    ASSERT_EQ(raw.size(), 1u);
+    EXPECT_EQ(readServiceResponse(raw[0], "").at(0).resources,
+              std::vector<std::string>{"TCPIP0::10.0.0.3::5025::SOCKET"});
+    EXPECT_TRUE(answers("_http._tcp.local").empty());
+    EXPECT_TRUE(answers("_lxi._tcp.local").empty()) << "the simulator has no web service";
+    EXPECT_TRUE(answers("_vxi-11._tcp.local", true).empty()) << "answers are not questions";
+
+    // One instrument served at two addresses: two instances, told apart.
+    Site again = first;
+    again.address = "10.0.0.4";
+    const auto twice = answers("_vxi-11._tcp.local", false, {first, again});
+    ASSERT_EQ(twice.size(), 2u);
+    EXPECT_EQ(readServiceResponse(twice[0], "").at(0).instanceName, "Scope @10.0.0.2");
+    EXPECT_EQ(readServiceResponse(twice[1], "").at(0).instanceName, "Scope @10.0.0.4");
+}
+
+}  // namespace
+}  // namespace braxcfg::visa::lan::sim
