@@ -27,7 +27,7 @@ constexpr const char* kMdnsGroupV6 = "ff02::fb";
 
 class UdpSocket {
 public:
-    UdpSocket(int family) : fd_(socket(family, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {}
+    explicit UdpSocket(int family) : fd_(socket(family, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {}
     ~UdpSocket() {
         if (fd_ >= 0) close(fd_);
     }

@@ -76,9 +76,12 @@ int bindSocket(const std::string& address, std::uint16_t port, int type, bool sh
     }
     const int fd = socket(storage.ss_family, type | SOCK_CLOEXEC, 0);
     const int on = 1;
-    setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    if (shared) setsockopt(fd, SOL_SOCKET, SO_REUSEPORT, &on, sizeof on);
-    if (storage.ss_family == AF_INET6) setsockopt(fd, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+    if (fd >= 0) {
+        setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        // Several simulators, or an mDNS daemon, may share the mDNS port.
+        if (shared) setsockopt(fd, SOL_SOCKET, SO_REUSEPORT, &on, sizeof on);
+        if (storage.ss_family == AF_INET6) setsockopt(fd, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+    }
     if (fd < 0 || bind(fd, reinterpret_cast<sockaddr*>(&storage), length) != 0 ||
         (type == SOCK_STREAM && listen(fd, SOMAXCONN) != 0)) {
         error = "cannot serve on " + address + " port " + std::to_string(port) + ": " + std::strerror(errno);
