@@ -9,10 +9,12 @@
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/lan/lan_discovery.h"
+#include "visacore/lan/local_interfaces.h"
 #include "visacore/lan/sim/simulator.h"
 
 extern char** environ;
@@ -40,6 +42,16 @@ protected:
                               "ip link set v0 up && ip link set v1 up"),
                   0)
             << "cannot make the veth pair";
+        // The kernel gives the links their IPv6 addresses a moment after
+        // they come up; mDNS over IPv6 needs them on both sides.
+        const auto ready = [] {
+            int withIpv6 = 0;
+            for (const LocalInterface& intf : localInterfaces())
+                withIpv6 += (intf.name == "v0" || intf.name == "v1") && intf.hasIpv6;
+            return withIpv6 == 2;
+        };
+        for (int i = 0; i < 500 && !ready(); ++i) std::this_thread::sleep_for(10ms);
+        ASSERT_TRUE(ready()) << "the veth pair got no IPv6 link-local addresses";
     }
     void TearDown() override { std::system("ip link del v0"); }
 
