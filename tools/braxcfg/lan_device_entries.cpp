@@ -28,10 +28,7 @@ bool deviceEntry(const std::string& resource, unsigned board, std::string& devic
 }  // namespace
 
 int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>& resources, std::ostream& report) {
-    const std::string path = platform::resolveStorePath();
-    const platform::StoreStatus status = platform::openStore(path);
-    if (status.state != platform::StoreOpenState::Open) return fail("cannot use the store " + path + ": " + status.error);
-    if (!status.writable) return fail("the store " + path + " is not writable by this user");
+    if (const int rc = prepareStore(StoreUse::Write); rc != 0) return rc;
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
     if (store.GetIntfType(intf) != visa::VI_INTF_TCPIP) return fail(intf + " is not a TCPIP interface");
@@ -42,7 +39,7 @@ int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>&
     if (visaName.size() > 5) parseWholeNumber(visaName.substr(5), 0, 65535, board);
 
     platform::StoreTransaction transaction;
-    if (!transaction.active()) return fail("the store is busy; nothing was added");
+    if (!transaction.active()) return fail(transaction.failureMessage());
     std::vector<std::string> added;
     for (const std::string& resource : resources) {
         std::string device, resourceClass;
@@ -50,7 +47,7 @@ int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>&
         store.AddDeviceEntry(intf, device, resourceClass, "");
         added.push_back(device + "::" + resourceClass);
     }
-    if (!transaction.commit()) return fail("the store could not be written; nothing was added");
+    if (!transaction.commit()) return fail(transaction.failureMessage());
     for (const std::string& entry : added) report << "added " << entry << " to " << intf << "\n";
     return 0;
 }
