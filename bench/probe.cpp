@@ -5,7 +5,7 @@
 #include <stdlib.h>
 
 #include "fake_servers.h"
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 #include "ui/message_box.h"
 #include "visacore/lan/lan_probe.h"
 #include "visacore/visa_api.h"

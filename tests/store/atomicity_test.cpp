@@ -14,7 +14,7 @@
 #include <regex>
 #include <thread>
 
-#include "dialogs/alist.h"
+#include "tcpip/alist.h"
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "temp_store.h"
@@ -52,9 +52,9 @@ const struct {
      "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" +
          repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
      [] {
-         dialogs::AList list;
+         tcpip::AList list;
          list.load();
-         for (list.reset(); dialogs::AliasEntry* entry = list.next();) {
+         for (list.reset(); tcpip::AliasEntry* entry = list.next();) {
              entry->setName(*entry->name() + "x");
              list.markChanged(entry);
          }

@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "command.h"
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 #include "ui/message_box.h"
 #include "visacore/probe_timeout.h"
 
