@@ -21,10 +21,10 @@ tcpipnewdev::tcpipnewdev(tcpipshowdev* owner, QWidget* parent)
     dataExchange().text(m_ui->resourceEdit, m_resource);
     dataExchange().text(m_ui->hostEdit, m_host);
     dataExchange().text(m_ui->aliasEdit, m_alias);
-    // textChanged comes before the field is painted, as an update
-    // notification does; the alias field has nothing to recompose.
-    connect(m_ui->hostEdit, &QLineEdit::textChanged, this, &tcpipnewdev::onHostUpdate);
-    connect(m_ui->deviceEdit, &QLineEdit::textChanged, this, &tcpipnewdev::onDeviceUpdate);
+    // Only a person's edits: showing the members in the fields must not
+    // read half-shown fields back. The alias field has nothing to recompose.
+    connect(m_ui->hostEdit, &QLineEdit::textEdited, this, &tcpipnewdev::onHostUpdate);
+    connect(m_ui->deviceEdit, &QLineEdit::textEdited, this, &tcpipnewdev::onDeviceUpdate);
     connect(m_ui->testButton, &QPushButton::clicked, this, &tcpipnewdev::onTest);
 }
 
