@@ -1,5 +1,6 @@
 #include "tcpip/tcpipshowdev.h"
 
+#include <QLayout>
 #include <QListView>
 #include <QPushButton>
 #include <new>
@@ -47,16 +48,24 @@ void tcpipshowdev::Init(const store::ConfigStore* config, const std::string& int
     m_callerFlag = callerFlag;
 }
 
+void tcpipshowdev::showEvent(QShowEvent* event) {
+    // The column caption stands over the tab stop, measured in the font the
+    // list has once it is polished for showing. The item text starts inside
+    // the frame plus the focus margin the items keep.
+    constexpr int kItemTextInset = 3;
+    m_ui->aliasCaption->setFixedWidth(
+        static_cast<int>(ui::listBoxTabStopDistance(*m_ui->deviceList, kResourceColumnDialogUnits)) +
+        m_ui->deviceList->frameWidth() + kItemTextInset);
+    layout()->activate();
+    ui::ModalDialog::showEvent(event);
+}
+
 std::string tcpipshowdev::entryText(int i) const { return m_deviceList.text(i); }
 
 void tcpipshowdev::onInitDialog() {
     m_heading = "Manually configured devices on the " + m_visaIntfName + " interface:";
     ui::ModalDialog::onInitDialog();
     ui::setListBoxTabStop(*m_ui->deviceList, kResourceColumnDialogUnits);
-    // The column caption stands over the tab stop.
-    m_ui->aliasCaption->setFixedWidth(
-        static_cast<int>(ui::listBoxTabStopDistance(*m_ui->deviceList, kResourceColumnDialogUnits)) +
-        m_ui->deviceList->frameWidth() + 3);
     m_aliases.deleteRecords();
     m_aliases.load();
     applyControls();

@@ -59,6 +59,7 @@ public:
 protected:
     void onInitDialog() override;
     void onOk() override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void onAddDevice();
