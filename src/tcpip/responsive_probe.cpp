@@ -44,15 +44,18 @@ public:
 
 protected:
     bool eventFilter(QObject* target, QEvent* event) override {
-        if (event->type() == QEvent::Close && target->isWidgetType()) {
+        // The window system's events reach a top-level window first, which
+        // hands them on to its widgets: they are judged there.
+        if (!target->isWidgetType()) return false;
+        auto* widget = static_cast<QWidget*>(target);
+        if (event->type() == QEvent::Close) {
             event->ignore();
-            requestClose(static_cast<QWidget*>(target));
+            requestClose(widget);
             return true;
         }
         if (!isPersonsInput(event->type())) return false;
-        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
-            target->isWidgetType())
-            requestClose(static_cast<QWidget*>(target)->window());
+        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+            requestClose(widget->window());
         return true;
     }
 

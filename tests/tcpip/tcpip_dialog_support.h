@@ -51,4 +51,10 @@ inline void typeInto(QWidget& dialog, const char* name, const std::string& text)
         QTest::keyClicks(edit, ui::toQString(text));
 }
 
+// Types letters a keyboard layout may not have a key for (QTest's key
+// clicks know only Latin-1 keys), as key events carrying the text.
+inline void typeLetters(QLineEdit* edit, const QString& text) {
+    for (const QChar letter : text) QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, QString(letter), Qt::NoModifier);
+}
+
 }  // namespace braxcfg::test

@@ -247,5 +247,56 @@ TEST_F(TcpipShowDev, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
     EXPECT_EQ(problems(run.script), "");
 }
 
+// The visible static texts and the buttons (default "*", hidden "(hidden)").
+std::pair<Entries, Entries> templateTexts(QDialog& dialog) {
+    Entries labels, buttons;
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->isVisibleTo(&dialog)) labels.push_back(ui::toStdString(label->text()));
+    for (QPushButton* button : dialog.findChildren<QPushButton*>())
+        buttons.push_back(ui::toStdString(button->text()) + (button->isDefault() ? "*" : "") +
+                          (button->isVisibleTo(&dialog) ? "" : " (hidden)"));
+    return {labels, buttons};
+}
+
+TEST(TcpipTemplates, CaptionsTextsAndButtons) {
+    tcpipshowdev list(nullptr);
+    EXPECT_EQ(ui::toStdString(list.windowTitle()), "TCPIP devices");
+    EXPECT_EQ(templateTexts(list),
+              std::make_pair(Entries{" <intf> <type> devices present:", "Alias", "VISA Resource String"},
+                             Entries{"&OK*", "&Cancel", "&Help (hidden)", "&Add device", "&Edit device",
+                                     "&Remove device", "&Test device"}));
+    tcpipnewdev resource(&list);
+    EXPECT_EQ(ui::toStdString(resource.windowTitle()), "Add a TCPIP device");
+    EXPECT_EQ(templateTexts(resource),
+              std::make_pair(Entries{"Optional Alias Name:", "Machine Name/IP", "Device Name/Port #", "::",
+                                     "Resulting VISA Resource String"},
+                             Entries{"&OK*", "&Cancel", "&Help (hidden)", "&Test"}));
+}
+
+// Store text is cp1252: a typed "Bänch" is stored as the byte 0xE4, and a
+// host name with 0xE9 shows as "é".
+// Disabled until the Qt edge converts cp1252 (it still decodes UTF-8 here).
+TEST_F(TcpipShowDev, DISABLED_NonAsciiAliasesAndHostsShowAndStoreAsCp1252) {
+    putTree("[INTF2\\VISADev\\TCPIP0::caf\xe9::inst0\\TCPIP0::caf\xe9::inst0::INSTR]\n");
+    ListRun run;
+    openList(run, [&](tcpipshowdev& dialog) {
+        EXPECT_EQ(dialog.m_deviceList.data(dialog.m_deviceList.index(0), Qt::DisplayRole).toString(),
+                  QString::fromUtf8("\tTCPIP0::caf\u00e9::inst0::INSTR"));
+        run.script.expect<tcpipnewdev>([](tcpipnewdev& child) {
+            field(child, "aliasEdit")->clear();
+            typeLetters(field(child, "aliasEdit"), QString::fromUtf8("B\u00e4nch"));
+            typeLetters(field(child, "hostEdit"), QString::fromUtf8("h\u00f6st"));
+            press(child, "&OK");
+        });
+        press(dialog, "&Add device");
+        press(dialog, "&OK");
+    });
+    std::uint32_t type = 0;
+    std::string bytes;
+    ASSERT_TRUE(readValue(underProduct("VISADevices"), "B\xe4nch", type, bytes));
+    EXPECT_EQ(bytes, std::string("TCPIP0::h\xf6st::inst0::INSTR") + '\0');
+    EXPECT_EQ(problems(run.script), "");
+}
+
 }  // namespace
 }  // namespace braxcfg::tcpip
