@@ -95,7 +95,9 @@ TEST_F(DialogProbe, ListTestShowsEachOutcomeWhileTheWindowPaints) {
         ui::MessageBoxCapture boxes;
         std::string duringProbe;
         int paintsDuringProbe = 0;
+        const tcpipshowdev* list = nullptr;
         script.expect<tcpipshowdev>([&](tcpipshowdev& dialog) {
+            list = &dialog;
             dialog.m_deviceList.setSel(0, true);
             std::unique_ptr<PaintWatch> watch;
             QTimer::singleShot(0, &dialog, [&] {
@@ -111,16 +113,13 @@ TEST_F(DialogProbe, ListTestShowsEachOutcomeWhileTheWindowPaints) {
             if (std::string(outcome.caption) == "Resource Found") screenshot(dialog, "tcpipshowdev_after_test");
             press(dialog, "&Cancel");
         });
-        const store::ConfigStore config;
-        tcpipshowdev dialog(nullptr);
-        dialog.Init(&config, "INTF2", "TCPIP0", true, 0);
-        dialog.doModal();
+        runLanList();
         EXPECT_EQ(duringProbe, "------");
         EXPECT_GE(paintsDuringProbe, 1);
         ASSERT_EQ(boxes.requests().size(), 1u);
         EXPECT_EQ(boxes.requests()[0].caption, outcome.caption);
         EXPECT_EQ(boxes.requests()[0].icon, outcome.icon);
-        EXPECT_EQ(boxes.requests()[0].owner, &dialog);
+        EXPECT_EQ(boxes.requests()[0].owner, list);
         const std::string found = "The resource 'scope' was found.\n\n(" + resource + ")";
         EXPECT_EQ(boxes.requests()[0].text,
                   outcome.icon == ui::MessageIcon::Information ? found
@@ -166,10 +165,7 @@ TEST_F(DialogProbe, AddDialogTestUsesTheAliasOfTheLastFieldEditAndClosingCancels
         EXPECT_EQ(listEntries(dialog), std::vector<std::string>{});
         press(dialog, "&Cancel");
     });
-    const store::ConfigStore config;
-    tcpipshowdev dialog(nullptr);
-    dialog.Init(&config, "INTF2", "TCPIP0", true, 0);
-    dialog.doModal();
+    runLanList();
     EXPECT_EQ(duringProbe, "----");
     EXPECT_EQ(boxes.requests().size(), 1u);
     EXPECT_EQ(problems(script), "");
@@ -187,10 +183,7 @@ TEST_F(DialogProbe, ClosingTheListDuringItsTestCancelsAndCloses) {
         QTimer::singleShot(0, &dialog, [&] { dialog.close(); });
         press(dialog, "&Test device");
     });
-    const store::ConfigStore config;
-    tcpipshowdev dialog(nullptr);
-    dialog.Init(&config, "INTF2", "TCPIP0", true, 0);
-    EXPECT_EQ(dialog.doModal(), kIdCancel);
+    EXPECT_EQ(runLanList(), kIdCancel);
     EXPECT_EQ(boxes.requests().size(), 0u);
     EXPECT_EQ(problems(script), "");
 }

@@ -25,6 +25,15 @@ inline void putLanInterface() {
         "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"sock\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n");
 }
 
+// Opens the list of INTF2 (TCPIP0) as the workflow does, for a script to
+// drive; returns how it ended.
+inline int runLanList(bool editable = true) {
+    const store::ConfigStore config;
+    tcpip::tcpipshowdev dialog(nullptr);
+    dialog.Init(&config, "INTF2", "TCPIP0", editable, 1);
+    return dialog.doModal();
+}
+
 inline std::vector<std::string> listEntries(const tcpip::tcpipshowdev& dialog) {
     return dialog.m_deviceList.items();
 }

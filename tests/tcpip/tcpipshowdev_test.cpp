@@ -18,8 +18,6 @@ using ui::kIdOk;
 using ui::ModalScript;
 using Entries = std::vector<std::string>;
 
-const store::ConfigStore kStore;
-
 struct ListRun {
     ModalScript script;
     ui::MessageBoxCapture boxes;
@@ -29,9 +27,7 @@ struct ListRun {
 // Opens the list of INTF2 as the workflow does and runs `act` on it.
 void openList(ListRun& run, std::function<void(tcpipshowdev&)> act, bool editable = true) {
     run.script.expect<tcpipshowdev>(std::move(act));
-    tcpipshowdev dialog(nullptr);
-    dialog.Init(&kStore, "INTF2", "TCPIP0", editable, 7);
-    run.result = dialog.doModal();
+    run.result = runLanList(editable);
 }
 
 // Adds one resource through the add dialog.
