@@ -52,47 +52,37 @@ protected:
     TempStore store_;
 };
 
-TEST_F(TcpipShowDev, StartsWithHeadingTabStopAndEntriesAtTheirDeviceIndex) {
+TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexThenButtonsFollowClicks) {
     putTree(
         "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
         "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::SOCKET]\n"
         "[INTF2\\VISADev\\TCPIP0::b::5025\\TCPIP0::b::5025::SOCKET]\n"
         "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
         "[VISADevices]\n\"Scope\"=\"tcpip0::A::INST0::instr\"\n");
-    ListRun run;
-    openList(run, [](tcpipshowdev& dialog) {
-        EXPECT_EQ(shownText(dialog, "headingLabel"), "Manually configured devices on the TCPIP0 interface:");
-        // Device 0's two resources land at index 0 one after the other (the
-        // second before the first); device 1 at index 1, between them.
-        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::a::inst0::SOCKET", "\tTCPIP0::b::5025::SOCKET",
-                                                "\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
-        EXPECT_EQ(enabledButtons(dialog), "OCA---");
-        screenshot(dialog, "tcpipshowdev_loaded");
-        selectOnly(dialog, {3});
-        EXPECT_EQ(enabledButtons(dialog), "OCAETR");
-        screenshot(dialog, "tcpipshowdev_selected");
-        press(dialog, "&Cancel");
-    });
-    EXPECT_EQ(run.result, kIdCancel);
-    EXPECT_EQ(problems(run.script), "");
-}
-
-TEST_F(TcpipShowDev, ReadOnlyListStillEnablesButtonsOnAClick) {
-    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
-            "[INTF2\\VISADev\\TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n");
-    ListRun run;
-    openList(
-        run,
-        [](tcpipshowdev& dialog) {
-            EXPECT_EQ(enabledButtons(dialog), "OC----");
-            selectOnly(dialog, {0, 1});
-            EXPECT_EQ(enabledButtons(dialog), "OC--TR");  // two: no Edit
-            selectOnly(dialog, {1});
-            EXPECT_EQ(enabledButtons(dialog), "OC-ETR");
-            press(dialog, "&Cancel");
-        },
-        false);
-    EXPECT_EQ(problems(run.script), "");
+    for (const bool editable : {true, false}) {
+        ListRun run;
+        openList(
+            run,
+            [&](tcpipshowdev& dialog) {
+                EXPECT_EQ(shownText(dialog, "headingLabel"), "Manually configured devices on the TCPIP0 interface:");
+                // Device 0's two resources land at index 0 one after the
+                // other (the second first); device 1 at index 1, between.
+                EXPECT_EQ(listEntries(dialog),
+                          (Entries{"\tTCPIP0::a::inst0::SOCKET", "\tTCPIP0::b::5025::SOCKET",
+                                   "\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
+                EXPECT_EQ(enabledButtons(dialog), editable ? "OCA---" : "OC----");
+                if (editable) screenshot(dialog, "tcpipshowdev_loaded");
+                selectOnly(dialog, {3});
+                EXPECT_EQ(enabledButtons(dialog), editable ? "OCAETR" : "OC-ETR");  // a click ignores editable
+                if (editable) screenshot(dialog, "tcpipshowdev_selected");
+                selectOnly(dialog, {0, 1});
+                EXPECT_EQ(enabledButtons(dialog), editable ? "OCA-TR" : "OC--TR");  // two: no Edit
+                press(dialog, "&Cancel");
+            },
+            editable);
+        EXPECT_EQ(run.result, kIdCancel);
+        EXPECT_EQ(problems(run.script), "");
+    }
 }
 
 TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
@@ -243,30 +233,26 @@ TEST_F(TcpipShowDev, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
     EXPECT_EQ(problems(run.script), "");
 }
 
-// The visible static texts and the buttons (default "*", hidden "(hidden)").
-std::pair<Entries, Entries> templateTexts(QDialog& dialog) {
-    Entries labels, buttons;
-    for (QLabel* label : dialog.findChildren<QLabel*>())
-        if (label->isVisibleTo(&dialog)) labels.push_back(ui::toStdString(label->text()));
-    for (QPushButton* button : dialog.findChildren<QPushButton*>())
-        buttons.push_back(ui::toStdString(button->text()) + (button->isDefault() ? "*" : "") +
-                          (button->isVisibleTo(&dialog) ? "" : " (hidden)"));
-    return {labels, buttons};
-}
-
 TEST(TcpipTemplates, CaptionsTextsAndButtons) {
     tcpipshowdev list(nullptr);
-    EXPECT_EQ(ui::toStdString(list.windowTitle()), "TCPIP devices");
-    EXPECT_EQ(templateTexts(list),
-              std::make_pair(Entries{" <intf> <type> devices present:", "Alias", "VISA Resource String"},
-                             Entries{"&OK*", "&Cancel", "&Help (hidden)", "&Add device", "&Edit device",
-                                     "&Remove device", "&Test device"}));
     tcpipnewdev resource(&list);
-    EXPECT_EQ(ui::toStdString(resource.windowTitle()), "Add a TCPIP device");
-    EXPECT_EQ(templateTexts(resource),
-              std::make_pair(Entries{"Optional Alias Name:", "Machine Name/IP", "Device Name/Port #", "::",
-                                     "Resulting VISA Resource String"},
-                             Entries{"&OK*", "&Cancel", "&Help (hidden)", "&Test"}));
+    const std::tuple<QDialog*, const char*, Entries, Entries> templates[] = {
+        {&list, "TCPIP devices", {" <intf> <type> devices present:", "Alias", "VISA Resource String"},
+         {"&OK*", "&Cancel", "&Help (hidden)", "&Add device", "&Edit device", "&Remove device", "&Test device"}},
+        {&resource, "Add a TCPIP device",
+         {"Optional Alias Name:", "Machine Name/IP", "Device Name/Port #", "::", "Resulting VISA Resource String"},
+         {"&OK*", "&Cancel", "&Help (hidden)", "&Test"}},
+    };
+    for (const auto& [dialog, caption, labels, buttons] : templates) {
+        EXPECT_EQ(ui::toStdString(dialog->windowTitle()), caption);
+        Entries shownLabels, shownButtons;  // default "*", hidden "(hidden)"
+        for (QLabel* label : dialog->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) shownLabels.push_back(ui::toStdString(label->text()));
+        for (QPushButton* button : dialog->findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly))
+            shownButtons.push_back(ui::toStdString(button->text()) + (button->isDefault() ? "*" : "") +
+                                   (button->isVisibleTo(dialog) ? "" : " (hidden)"));
+        EXPECT_EQ(shownLabels, labels);
+        EXPECT_EQ(shownButtons, buttons);
+    }
 }
 
 // Store text is cp1252: a typed "Bänch" is stored as the byte 0xE4, and a
