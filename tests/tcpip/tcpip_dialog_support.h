@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "dialog_test_support.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "store_builder.h"
 #include "tcpip/tcpipnewdev.h"
 #include "tcpip/tcpipshowdev.h"

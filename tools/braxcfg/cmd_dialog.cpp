@@ -16,6 +16,7 @@
 #include "store/config_store.h"
 #include "tcpip/tcpipnewdev.h"
 #include "tcpip/tcpipshowdev.h"
+#include "visacore/visa_types.h"
 #include "ui/dialog_ids.h"
 #include "ui/host_owner.h"
 #include "ui/modal.h"
@@ -86,7 +87,7 @@ Outcome openTcpip(const SplitArgs& split) {
         status.state != platform::StoreOpenState::Open)
         return {kExitError, {}, "cannot use the store " + status.path + ": " + status.error};
     const store::ConfigStore config;
-    if (config.GetIntfType(intf) != store::kIntfTcpip) return {kExitError, {}, intf + " is not a TCPIP interface"};
+    if (config.GetIntfType(intf) != visa::VI_INTF_TCPIP) return {kExitError, {}, intf + " is not a TCPIP interface"};
     tcpip::tcpipshowdev dialog(nullptr);
     dialog.Init(&config, intf, config.GetVisaName(intf), true, 1);
     return {dialog.doModal(), std::string(), {}};
