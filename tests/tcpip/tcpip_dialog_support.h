@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "dialog_test_support.h"
-#include "ui/testing/message_box_capture.h"
 #include "store_builder.h"
 #include "tcpip/tcpipnewdev.h"
 #include "tcpip/tcpipshowdev.h"
 #include "tree_text.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::test {
 
