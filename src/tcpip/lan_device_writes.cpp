@@ -1,24 +1,23 @@
 #include "tcpip/lan_device_writes.h"
 
-#include "platform/store.h"
-
 namespace braxcfg::tcpip {
 
-bool writeLanDevices(const store::ConfigStore& store, const std::string& intf,
-                     const std::vector<DeviceWrite>& writes, AList& aliases) {
+platform::StoreFailure writeLanDevices(const store::ConfigStore& store, const std::string& intf,
+                                       const std::vector<DeviceWrite>& writes, AList& aliases) {
+    using platform::StoreFailure;
     platform::StoreTransaction transaction;
     // Without the write lock every operation below would take its own
     // transaction, and a lock freed half-way would leave half a list.
-    if (!transaction.active()) return false;
-    store.ClearDevices(intf);
-    for (const DeviceWrite& write : writes) store.AddDeviceEntry(intf, write.device, write.rsrcClass, write.alias);
-    if (aliases.commit() != 0) return false;
-    return transaction.commit();
-}
-
-std::string lanDevicesNotWrittenMessage() {
-    return "The configuration store could not be written (it may be in use by another program, or the disk may "
-           "be full). Nothing was saved; press OK to try again or Cancel to leave the devices as they were.";
+    if (!transaction.active()) return transaction.failure();
+    // A failed step returns at once: the transaction rolls back as it goes.
+    if (const StoreFailure failure = store.ClearDevices(intf); failure != StoreFailure::None) return failure;
+    for (const DeviceWrite& write : writes)
+        if (const StoreFailure failure = store.AddDeviceEntry(intf, write.device, write.rsrcClass, write.alias);
+            failure != StoreFailure::None)
+            return failure;
+    if (aliases.commit() != 0) return StoreFailure::Other;
+    if (!transaction.commit()) return transaction.failure();
+    return StoreFailure::None;
 }
 
 }  // namespace braxcfg::tcpip

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/store.h"
 #include "store/config_store.h"
 #include "tcpip/alist.h"
 #include "tcpip/tcpipshowdev_logic.h"
@@ -12,14 +13,11 @@
 namespace braxcfg::tcpip {
 
 // Removes every device of `intf`, writes one device entry per write (the
-// class as the entry's only resource class) and commits `aliases`. False,
-// with nothing written, when the store could not be locked for writing
-// within its bounded wait or did not take the change.
-bool writeLanDevices(const store::ConfigStore& store, const std::string& intf,
-                     const std::vector<DeviceWrite>& writes, AList& aliases);
-
-// What the user is told when writeLanDevices fails: the list stays open and
-// nothing has been saved.
-std::string lanDevicesNotWrittenMessage();
+// class as the entry's only resource class) and commits `aliases`.
+// StoreFailure::None when all of it was written; otherwise nothing was
+// (the store was busy for its whole bounded wait, the disk is full, ...),
+// and platform::storeFailureMessage() words why for the user.
+platform::StoreFailure writeLanDevices(const store::ConfigStore& store, const std::string& intf,
+                                       const std::vector<DeviceWrite>& writes, AList& aliases);
 
 }  // namespace braxcfg::tcpip

@@ -204,9 +204,15 @@ int tcpipshowdev::TestResource(std::string alias, std::string resource) {
 
 void tcpipshowdev::onOk() {
     if (!updateData(true)) return;
-    if (m_config != nullptr && !writeLanDevices(*m_config, m_intfKey, planDeviceWrites(entries()), m_aliases)) {
-        ui::messageBox(this, lanDevicesNotWrittenMessage(), std::string(), ui::MessageIcon::Exclamation);
-        return;
+    if (m_config != nullptr) {
+        const platform::StoreFailure failure =
+            writeLanDevices(*m_config, m_intfKey, planDeviceWrites(entries()), m_aliases);
+        // Nothing was written: the list stays open as it is, for OK again
+        // or Cancel.
+        if (failure != platform::StoreFailure::None) {
+            ui::messageBox(this, platform::storeFailureMessage(failure), std::string(), ui::MessageIcon::Exclamation);
+            return;
+        }
     }
     endDialog(ui::kIdOk);
 }

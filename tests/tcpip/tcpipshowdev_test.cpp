@@ -222,7 +222,7 @@ TEST_F(TcpipShowDev, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
         ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
         press(dialog, "&OK");  // waits out the store's bounded wait, then gives up
         EXPECT_TRUE(dialog.isVisible());
-        EXPECT_EQ(run.boxes.texts(), Entries{lanDevicesNotWrittenMessage()});
+        EXPECT_EQ(run.boxes.texts(), Entries{platform::storeFailureMessage(platform::StoreFailure::Busy)});
         sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
         EXPECT_EQ(treeText(""), before);
         press(dialog, "&OK");  // the lock is gone: the same list is written
