@@ -83,3 +83,13 @@ std::string optionValue(const SplitArgs& split, const std::string& name) {
 bool hasOption(const SplitArgs& split, const std::string& name) { return contains(split.options, name); }
 
 }  // namespace braxcfg::tool
+
+namespace braxcfg::tool {
+
+bool parseWholeNumber(const std::string& text, long long min, long long max, long long& value) {
+    if (text.empty() || text.size() > 12 || text.find_first_not_of("0123456789") != std::string::npos) return false;
+    value = std::stoll(text);
+    return value >= min && value <= max;
+}
+
+}  // namespace braxcfg::tool

@@ -58,3 +58,10 @@ std::string optionValue(const SplitArgs& split, const std::string& name);
 bool hasOption(const SplitArgs& split, const std::string& name);
 
 }  // namespace braxcfg::tool
+
+namespace braxcfg::tool {
+
+// A whole decimal number from `min` to `max` (no sign, no blanks).
+bool parseWholeNumber(const std::string& text, long long min, long long max, long long& value);
+
+}  // namespace braxcfg::tool
