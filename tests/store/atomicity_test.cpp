@@ -14,7 +14,7 @@
 #include <regex>
 #include <thread>
 
-#include "dialogs/alist.h"
+#include "tcpip/alist.h"
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "store/device_list_write.h"
@@ -60,9 +60,9 @@ const struct {
      "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" +
          repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
      [] {
-         dialogs::AList list;
+         tcpip::AList list;
          list.load();
-         for (list.reset(); dialogs::AliasEntry* entry = list.next();) {
+         for (list.reset(); tcpip::AliasEntry* entry = list.next();) {
              entry->setName(*entry->name() + "x");
              list.markChanged(entry);
          }

@@ -4,14 +4,14 @@
 #include <iostream>
 
 #include "command.h"
-#include "dialogs/alist.h"
 #include "platform/store.h"
+#include "tcpip/alist.h"
 
 namespace braxcfg::tool {
 namespace {
 
-using dialogs::AliasEntry;
-using dialogs::AList;
+using tcpip::AliasEntry;
+using tcpip::AList;
 
 // The aliases of the store, freed with the list.
 class LoadedAliases {

@@ -15,10 +15,13 @@
 #include "dialogs/show_devices.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "tcpip/tcpipnewdev.h"
+#include "tcpip/tcpipshowdev.h"
 #include "ui/dialog_ids.h"
 #include "ui/host_owner.h"
 #include "ui/modal.h"
 #include "ui/screenshot.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -51,6 +54,7 @@ private:
 struct Outcome {
     int result;
     std::string printed;  // what a person reads after the run
+    std::string error = {};  // why the dialog could not be opened
 };
 
 // What one dialog is opened with: the value of its option or its operand,
@@ -58,6 +62,7 @@ struct Outcome {
 struct DialogInput {
     std::string value;
     bool list = false;
+    const SplitArgs* split = nullptr;  // for a dialog's further options
 };
 
 Outcome openNewDevice(const DialogInput& input) {
@@ -115,6 +120,31 @@ Outcome openAutoConfig(const DialogInput& input) {
     return {dialog.doModal(), std::string()};
 }
 
+// The LAN resource list of a TCPIP interface, as the plug-in opens it for
+// an interface the user may edit; OK writes its devices and aliases.
+Outcome openTcpip(const DialogInput& input) {
+    const store::ConfigStore config;
+    if (config.GetIntfType(input.value) != visa::VI_INTF_TCPIP)
+        return {kExitError, std::string(), input.value + " is not a TCPIP interface"};
+    tcpip::tcpipshowdev dialog(nullptr);
+    dialog.Init(&config, input.value, config.GetVisaName(input.value), true, 1);
+    return {dialog.doModal(), std::string()};
+}
+
+// The add/edit dialog of one LAN resource. A list that is never shown owns
+// it, so that Test works as it does from the list.
+Outcome openTcpipResource(const DialogInput& input) {
+    tcpip::tcpipshowdev owner(nullptr);
+    tcpip::tcpipnewdev dialog(&owner, nullptr);
+    dialog.m_prefix = input.value;
+    dialog.m_host = optionValue(*input.split, "--host");
+    dialog.m_device = optionValue(*input.split, "--device");
+    dialog.m_alias = optionValue(*input.split, "--alias");
+    const int result = dialog.doModal();
+    if (result != ui::kIdOk) return {result, std::string()};
+    return {result, dialog.m_bareResource + "::" + dialog.m_rsrcClass + "\n" + dialog.m_alias + "\n"};
+}
+
 struct DialogKind {
     const char* name;
     // The option holding the one value the dialog needs; null when it is
@@ -126,7 +156,8 @@ struct DialogKind {
 constexpr DialogKind kDialogs[] = {
     {"new-device", "--prefix", openNewDevice},   {"choice", "--intf", openChoice},
     {"ready", "--intf", openReady},              {"devices", nullptr, openDevices},
-    {"autoconfig", nullptr, openAutoConfig},
+    {"autoconfig", nullptr, openAutoConfig},     {"tcpip", nullptr, openTcpip},
+    {"tcpip-resource", "--prefix", openTcpipResource},
 };
 
 // The interface a store-backed dialog opens, checked before any window.
@@ -141,14 +172,15 @@ int prepareInterface(const std::string& intf) {
 int runDialog(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--screenshot"}, split, error)) return fail(error);
-    if (split.operands.empty()) return fail("expected one dialog: new-device, choice, ready, devices or autoconfig");
+    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--host", "--device", "--alias", "--screenshot"}, split, error)) return fail(error);
+    if (split.operands.empty()) return fail("expected one dialog: new-device, choice, ready, devices, autoconfig, tcpip or tcpip-resource");
     const DialogKind* kind = nullptr;
     for (const DialogKind& candidate : kDialogs)
         if (split.operands[0] == candidate.name) kind = &candidate;
     if (kind == nullptr) return fail("unknown dialog '" + split.operands[0] + "'");
     DialogInput input;
     input.list = hasOption(split, "--list");
+    input.split = &split;
     if (kind->option != nullptr) {
         if (split.operands.size() != 1) return fail("unexpected operands");
         input.value = optionValue(split, kind->option);
@@ -172,10 +204,12 @@ int runDialog(const Args& args) {
 
     if (!screenshot.empty()) {
         const ScreenshotInstead instead(screenshot);
-        kind->open(input);
+        const Outcome outcome = kind->open(input);
+        if (!outcome.error.empty()) return fail(outcome.error);
         return instead.saved() ? 0 : fail("cannot write " + screenshot);
     }
     const Outcome outcome = kind->open(input);
+    if (!outcome.error.empty()) return fail(outcome.error);
     std::cout << outcome.printed;
     return outcome.result == ui::kIdOk ? 0 : kExitCancel;
 }
@@ -187,6 +221,9 @@ const CommandRegistration kDialog(
      "       braxcfg dialog ready --intf VISANAME [--screenshot FILE]\n"
      "       braxcfg dialog devices INTF [--screenshot FILE]\n"
      "       braxcfg dialog autoconfig INTF [--list] [--screenshot FILE]\n"
+     "       braxcfg dialog tcpip INTF [--screenshot FILE]\n"
+     "       braxcfg dialog tcpip-resource --prefix PREFIX [--host H] [--device D] [--alias A]\n"
+     "                                     [--screenshot FILE]\n"
      "Opens the dialog as the plug-in would and waits for a person.\n"
      "  new-device  the new device dialog for an interface prefix such as GPIB0::;\n"
      "              prints the device name after OK\n"
@@ -196,7 +233,12 @@ const CommandRegistration kDialog(
      "  devices     the device list of interface INTF (such as INTF0); OK writes it\n"
      "  autoconfig  runs the auto-configuration search of INTF and shows its result; the new\n"
      "              devices are written, or with --list only added to an unseen device list\n"
-     "Exit 0 on OK or Continue, 1 on Cancel.\n"
+     "  tcpip       the LAN resource list of the TCPIP interface INTF (such as INTF2); OK\n"
+     "              writes its devices and aliases\n"
+     "  tcpip-resource  the add/edit dialog of one LAN resource for a prefix such as\n"
+     "              TCPIP0::, with the fields preset; prints the resource string and the\n"
+     "              alias (an empty line when none) after OK; writes nothing\n"
+     "Exit 0 on OK or Continue, 1 on Cancel, 2 when the dialog cannot be opened.\n"
      "--screenshot FILE  save the dialog as a PNG and close it at once (no display needed).\n",
      StoreUse::None, runDialog});
 

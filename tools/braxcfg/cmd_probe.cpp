@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "command.h"
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 #include "ui/testing/message_box_capture.h"
 #include "visacore/probe_timeout.h"
 

@@ -1,5 +1,6 @@
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 
+#include "tcpip/responsive_probe.h"
 #include "visacore/visa_api.h"
 
 namespace braxcfg::tcpip {
@@ -39,11 +40,15 @@ ResourceTestMessage resourceTestMessage(visa::ViStatus probeStatus, std::string 
 int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control) {
     visa::ViSession rm = visa::VI_NULL;
     if (visa::viOpenDefaultRM(&rm) < visa::VI_SUCCESS) return 0;
-    const visa::ViStatus status = visa::viProbeRsrc(rm, visa::kResourceProbeSelector, resource.c_str(), control);
-    const ResourceTestMessage message = resourceTestMessage(status, std::move(alias), resource);
-    ui::messageBox(owner, message.text, message.caption, message.icon);
+    const ResponsiveProbeResult probe = probeWhileResponsive(rm, resource, control);
+    const ResourceTestMessage message = resourceTestMessage(probe.status, std::move(alias), resource);
+    // A window closed during the test has been left by the person; no box
+    // asks them to read an outcome they cancelled.
+    if (probe.closeRequests.empty()) ui::messageBox(owner, message.text, message.caption, message.icon);
     visa::viClose(rm);
-    return message.result;
+    for (const QPointer<QWidget>& window : probe.closeRequests)
+        if (window) window->close();
+    return probe.closeRequests.empty() ? message.result : 0;
 }
 
 }  // namespace braxcfg::tcpip

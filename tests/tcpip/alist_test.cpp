@@ -1,6 +1,6 @@
 // AList: node bookkeeping under removal and iteration, duplicates, and the
 // round trip through the two alias lists.
-#include "dialogs/alist.h"
+#include "tcpip/alist.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "platform/product_settings.h"
 #include "temp_store.h"
 
-namespace braxcfg::dialogs {
+namespace braxcfg::tcpip {
 namespace {
 
 using Text = AliasEntry::Text;
@@ -106,4 +106,4 @@ TEST(AList, LoadsBothAliasListsByNameAndCommitsEachEntryByItsState) {
 }
 
 }  // namespace
-}  // namespace braxcfg::dialogs
+}  // namespace braxcfg::tcpip

@@ -1,4 +1,4 @@
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-#include "dialogs/alist.h"
+#include "tcpip/alist.h"
 
 #include <strings.h>
 
@@ -7,7 +7,7 @@
 #include "platform/product_settings.h"
 #include "platform/store.h"
 
-namespace braxcfg::dialogs {
+namespace braxcfg::tcpip {
 namespace {
 
 // A copy of `text`, or absent when there is no room for one.
@@ -204,4 +204,4 @@ void AList::deleteRecords() {
     freeNodes();
 }
 
-}  // namespace braxcfg::dialogs
+}  // namespace braxcfg::tcpip

@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace braxcfg::dialogs {
+namespace braxcfg::tcpip {
 
 enum class AliasState : std::int32_t { Unchanged = 0, Added = 1, Changed = 2, Deleted = 3 };
 
@@ -107,4 +107,4 @@ private:
     std::int32_t* useCount_ = nullptr;  // shared by the handles on these nodes
 };
 
-}  // namespace braxcfg::dialogs
+}  // namespace braxcfg::tcpip

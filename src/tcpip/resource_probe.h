@@ -26,6 +26,9 @@ ResourceTestMessage resourceTestMessage(visa::ViStatus probeStatus, std::string 
 // Opens the default resource manager, probes `resource`, shows the message
 // owned by `owner`, closes the session and returns the message's result.
 // When the resource manager cannot be opened it returns 0 and shows nothing.
+// The probe runs while the windows keep painting (probeWhileResponsive); a
+// window closed meanwhile cancels it, gets no message, and is closed before
+// this returns 0.
 int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control = {});
 
 }  // namespace braxcfg::tcpip
