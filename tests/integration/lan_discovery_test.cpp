@@ -216,9 +216,10 @@ TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
 
 TEST_F(LanDiscovery, ToolAddsWhatItFoundToATcpipInterface) {
     serve(true);
-    const std::string store = test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) + ".db";
+    const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) +
+                                        ".db");
     const auto tool = [&](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--store", store});
+        args.insert(args.begin(), {"--store", store.path()});
         return test::runTool(args);
     };
     ASSERT_EQ(tool({"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
@@ -236,7 +237,6 @@ TEST_F(LanDiscovery, ToolAddsWhatItFoundToATcpipInterface) {
                               "TCPIP0::10.77.0.10::hislip0\n  TCPIP0::10.77.0.10::hislip0::INSTR\n",
                               "TCPIP0::10.77.0.11::5025\n  TCPIP0::10.77.0.11::5025::SOCKET\n"})
         EXPECT_NE(listed.find(entry), std::string::npos) << entry << " in\n" << listed;
-    for (const char* suffix : {"", "-wal", "-shm"}) std::remove((store + suffix).c_str());
 }
 
 TEST(LanSimulateTool, MalformedLabNamesFileAndLine) {
