@@ -2,22 +2,18 @@
 // the private network namespace: a veth pair gives the broadcast and
 // multicast a real interface, and nothing leaves the namespace.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "child_process.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/lan/lan_discovery.h"
 #include "visacore/lan/local_interfaces.h"
 #include "visacore/lan/sim/simulator.h"
-
-extern char** environ;
 
 namespace braxcfg::visa::lan {
 namespace {
@@ -185,20 +181,11 @@ TEST_F(LanDiscovery, ToolIdentifyOutcomes) {
 TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
     const std::string lab = test::testOutputDir("integration") + "/lab-" + std::to_string(getpid()) + ".ini";
     std::ofstream(lab) << kLab;
-    int out[2];
-    ASSERT_EQ(pipe(out), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    const char* argv[] = {BRAXCFG_TOOL_PATH, "simulate", lab.c_str(), "--mdns", nullptr};
-    pid_t pid = -1;
-    ASSERT_EQ(posix_spawn(&pid, argv[0], &actions, nullptr, const_cast<char**>(argv), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]);
+    test::Child simulate({BRAXCFG_TOOL_PATH, "simulate", lab, "--mdns"});
     // It says "serving" once every socket is bound.
     std::string said;
-    for (char c; said.find("serving") == std::string::npos && read(out[0], &c, 1) == 1;) said += c;
-    close(out[0]);
+    for (std::string line; said.find("serving") == std::string::npos && !(line = simulate.output(5s, true)).empty();)
+        said += line;
     EXPECT_NE(said.find("VXI-11  10.77.0.10 core port"), std::string::npos) << said;
 
     const test::ToolRun run = test::runTool({"discover", "--timeout", "1"});
@@ -207,10 +194,7 @@ TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
                            "  identification: Tolvane,Scope 4,4004,5.5\n"),
               std::string::npos)
         << run.out;
-    kill(pid, SIGTERM);
-    int status = 0;
-    ASSERT_EQ(waitpid(pid, &status, 0), pid);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(simulate.stop(), 0);
     std::remove(lab.c_str());
 }
 
