@@ -1,5 +1,6 @@
 #include "platform/sqlite_backend.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -28,6 +29,14 @@ std::string_view valueName(const char* name) { return name ? std::string_view(na
 // Handles are unique within the process, across every store it opens, so a
 // handle kept from a store that was since replaced is simply unknown.
 std::atomic<HKey> nextHandleNumber{0x1000};
+
+// Child-list stamps are unique within the process too, so a stamp kept by a
+// caller never matches a list of another key or another store.
+std::atomic<std::uint64_t> nextListStamp{1};
+
+// Lists of more names than this are not all kept: past it, every list but
+// the one in use is dropped (each is read again when next needed).
+constexpr std::size_t kMaxCachedNames = std::size_t{1} << 18;
 
 // Copies stored bytes to a caller's buffer of `capacity` bytes. A string that
 // was stored without its terminator gets one when there is room; it is not
@@ -96,7 +105,6 @@ public:
 
     RegResult commit() {
         open_ = false;
-        ++backend_.localStamp_;
         const char* end = backend_.depth_ == 0 ? "COMMIT" : "RELEASE op";
         if (backend_.run(end)) return kErrorSuccess;
         const RegResult failure = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
@@ -107,7 +115,7 @@ public:
 private:
     void undo() {
         open_ = false;
-        ++backend_.localStamp_;
+        backend_.forgetChildLists();
         if (backend_.depth_ == 0) {
             backend_.run("ROLLBACK");
         } else if (!backend_.transactionLost()) {
@@ -128,7 +136,7 @@ SqliteBackend::SqliteBackend(std::unique_ptr<SqliteConnection> db, bool writable
 
 SqliteBackend::~SqliteBackend() {
     std::lock_guard lock(mutex_);
-    while (depth_ > 0) rollbackTransaction();
+    while (depth_ > 0) rollbackLocked();
 }
 
 template <typename Scope, typename Work>
@@ -201,9 +209,11 @@ RegResult SqliteBackend::findChild(std::int64_t parent, std::string_view name, s
 RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
     StatementUse stmt(db_->cached("INSERT INTO keys (parent, name, folded) VALUES (?, ?, ?)"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
-    const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, foldName(name)).step();
+    std::string folded = foldName(name);
+    const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, folded).step();
     if (rc != SQLITE_DONE) return sqlFailure(rc, true);
     *id = sqlite3_last_insert_rowid(db_->handle());
+    noteChildAdded(parent, std::move(folded), name);
     return kErrorSuccess;
 }
 
@@ -393,6 +403,16 @@ RegResult SqliteBackend::deleteKey(HKey parent, const char* subKey) {
 }
 
 RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
+    std::int64_t parent = 0;
+    std::string folded;
+    {
+        StatementUse key(db_->cached("SELECT parent, folded FROM keys WHERE id = ?"));
+        if (!key.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step = key->bind(1, id).step();
+        if (step != SQLITE_ROW) return step == SQLITE_DONE ? kErrorKeyDeleted : sqlFailure(step, true);
+        parent = key->columnInt(0);
+        folded = key->columnBlob(1);
+    }
     {
         StatementUse children(db_->cached("SELECT 1 FROM keys WHERE parent = ? LIMIT 1"));
         if (!children.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
@@ -406,25 +426,112 @@ RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
         if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
         if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
     }
+    noteChildRemoved(parent, folded);
+    dropChildList(id);
     return kErrorSuccess;
 }
 
-std::int64_t SqliteBackend::dataVersion() { return db_->queryInt("PRAGMA data_version", -1); }
+std::int64_t SqliteBackend::dataVersion() {
+    // Inside a held transaction the snapshot, and so the version, is fixed
+    // once read.
+    if (depth_ > 0 && heldDataVersion_ >= 0) return heldDataVersion_;
+    const std::int64_t version = db_->queryInt("PRAGMA data_version", -1);
+    if (depth_ > 0) heldDataVersion_ = version;
+    return version;
+}
 
-RegResult SqliteBackend::loadChildren(OpenKey& key) {
-    key.children.loaded = false;
-    key.children.names.clear();
-    if (!keyExists(key.id)) return kErrorKeyDeleted;
-    StatementUse stmt(db_->cached("SELECT name FROM keys WHERE parent = ? ORDER BY folded"));
+RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list) {
+    const auto cached = childLists_.find(open.id);
+    const bool continues = index > 0 && index == open.nextIndex;
+    if (cached != childLists_.end() && continues && cached->second.stamp == open.scanStamp) {
+        *list = &cached->second;
+        return kErrorSuccess;
+    }
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    const std::int64_t version = dataVersion();
+    // A list read at this version is current: only another process could
+    // have changed the key (its deletion by this process drops the list).
+    if (cached != childLists_.end() && cached->second.dataVersion == version) {
+        *list = &cached->second;
+        return kErrorSuccess;
+    }
+    return loadChildren(open.id, version, list);
+}
+
+RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, const ChildList** list) {
+    if (!keyExists(id)) {
+        dropChildList(id);
+        return kErrorKeyDeleted;
+    }
+    StatementUse stmt(db_->cached("SELECT folded, name FROM keys WHERE parent = ? ORDER BY folded"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
-    stmt->bind(1, key.id);
+    stmt->bind(1, id);
+    std::deque<Child> children;
     int rc = SQLITE_ROW;
-    while ((rc = stmt->step()) == SQLITE_ROW) key.children.names.emplace_back(stmt->columnBlob(0));
+    while ((rc = stmt->step()) == SQLITE_ROW)
+        children.push_back(Child{std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1))});
     if (rc != SQLITE_DONE) return sqlFailure(rc, false);
-    key.children.loaded = true;
-    key.children.localStamp = localStamp_;
-    key.children.dataVersion = dataVersion();
+    ChildList& entry = childLists_[id];
+    const bool same = entry.stamp != 0 && std::equal(children.begin(), children.end(), entry.children.begin(),
+                                                     entry.children.end(), [](const Child& a, const Child& b) {
+                                                         return a.name == b.name;
+                                                     });
+    cachedNames_ += children.size();
+    cachedNames_ -= entry.children.size();
+    entry.children = std::move(children);
+    entry.dataVersion = version;
+    if (!same) entry.stamp = nextListStamp++;
+    limitCachedNames(id);
+    *list = &childLists_.at(id);
     return kErrorSuccess;
+}
+
+void SqliteBackend::limitCachedNames(std::int64_t keep) {
+    if (cachedNames_ <= kMaxCachedNames) return;
+    for (auto it = childLists_.begin(); it != childLists_.end();) {
+        if (it->first == keep) {
+            ++it;
+            continue;
+        }
+        cachedNames_ -= it->second.children.size();
+        it = childLists_.erase(it);
+    }
+}
+
+void SqliteBackend::noteChildAdded(std::int64_t parent, std::string folded, std::string_view name) {
+    const auto cached = childLists_.find(parent);
+    if (cached == childLists_.end()) return;
+    auto& children = cached->second.children;
+    const auto at = std::lower_bound(children.begin(), children.end(), folded,
+                                     [](const Child& child, const std::string& key) { return child.folded < key; });
+    children.insert(at, Child{std::move(folded), std::string(name)});
+    cached->second.stamp = nextListStamp++;
+    ++cachedNames_;
+}
+
+void SqliteBackend::noteChildRemoved(std::int64_t parent, const std::string& folded) {
+    const auto cached = childLists_.find(parent);
+    if (cached == childLists_.end()) return;
+    auto& children = cached->second.children;
+    const auto at = std::lower_bound(children.begin(), children.end(), folded,
+                                     [](const Child& child, const std::string& key) { return child.folded < key; });
+    if (at == children.end() || at->folded != folded) return;
+    children.erase(at);
+    cached->second.stamp = nextListStamp++;
+    --cachedNames_;
+}
+
+void SqliteBackend::dropChildList(std::int64_t id) {
+    if (const auto gone = childLists_.find(id); gone != childLists_.end()) {
+        cachedNames_ -= gone->second.children.size();
+        childLists_.erase(gone);
+    }
+}
+
+void SqliteBackend::forgetChildLists() {
+    childLists_.clear();
+    cachedNames_ = 0;
 }
 
 RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) {
@@ -432,18 +539,25 @@ RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std:
     std::lock_guard lock(mutex_);
     OpenKey* open = openKeyOf(key);
     if (!open) return kErrorInvalidHandle;
-    ReadScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    // Enumerating by increasing index reads the sorted list once, not once
-    // per index, until this process or another one changes the store.
-    const ChildList& cache = open->children;
-    if (!cache.loaded || cache.localStamp != localStamp_ || cache.dataVersion != dataVersion())
-        if (const RegResult rc = loadChildren(*open); rc != kErrorSuccess) return rc;
-    const auto& names = open->children.names;
-    if (index >= names.size()) return kErrorNoMoreItems;
-    const std::string& found = names[index];
+    const ChildList* list = nullptr;
+    if (const RegResult rc = currentChildren(*open, index, &list); rc != kErrorSuccess) return rc;
+    if (index >= list->children.size()) return kErrorNoMoreItems;
+    const std::string& found = list->children[index].name;
     if (found.size() + 1 > cchName) return kErrorMoreData;
     std::memcpy(name, found.c_str(), found.size() + 1);
+    open->nextIndex = index + 1;
+    open->scanStamp = list->stamp;
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) {
+    std::lock_guard lock(mutex_);
+    OpenKey* open = openKeyOf(key);
+    if (!open) return kErrorInvalidHandle;
+    const ChildList* list = nullptr;
+    if (const RegResult rc = currentChildren(*open, 0, &list); rc != kErrorSuccess) return rc;
+    if (subKeys) *subKeys = static_cast<std::uint32_t>(list->children.size());
+    if (lastWriteTime) *lastWriteTime = list->stamp;
     return kErrorSuccess;
 }
 
@@ -482,6 +596,7 @@ RegResult SqliteBackend::beginTransaction() {
     if (transactionLost()) return kErrorCantWrite;
     const char* begin = depth_ > 0 ? "SAVEPOINT nest" : writable_ ? "BEGIN IMMEDIATE" : "BEGIN";
     if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    if (depth_ == 0) heldDataVersion_ = -1;
     ++depth_;
     scopeStartIds_.push_back(highestKeyId());
     return kErrorSuccess;
@@ -495,6 +610,7 @@ RegResult SqliteBackend::commitTransaction() {
     const bool lost = transactionLost();
     --depth_;
     if (lost) {
+        forgetChildLists();
         forgetKeysAfter(startId);
         return kErrorCantWrite;
     }
@@ -502,19 +618,23 @@ RegResult SqliteBackend::commitTransaction() {
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
-    ++localStamp_;
+    forgetChildLists();
     forgetKeysAfter(startId);
     return failure;
 }
 
 void SqliteBackend::rollbackTransaction() {
     std::lock_guard lock(mutex_);
+    rollbackLocked();
+}
+
+void SqliteBackend::rollbackLocked() {
     if (depth_ == 0) return;
     const std::int64_t startId = scopeStartIds_.back();
     scopeStartIds_.pop_back();
     const bool lost = transactionLost();
     --depth_;
-    ++localStamp_;
+    forgetChildLists();
     forgetKeysAfter(startId);
     if (lost) return;
     if (depth_ == 0) {

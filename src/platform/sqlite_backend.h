@@ -4,6 +4,7 @@
 // deleted key can tell it was deleted and never reaches a newer key of the
 // same name. Handles belong to this process.
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -35,6 +36,7 @@ public:
     RegResult enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) override;
     RegResult enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName, RegType* type,
                         std::uint8_t* data, std::uint32_t* cbData) override;
+    RegResult queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) override;
     RegResult beginTransaction() override;
     RegResult commitTransaction() override;
     void rollbackTransaction() override;
@@ -43,17 +45,25 @@ private:
     friend class ReadScope;
     friend class WriteScope;
 
-    // Subkey names of one open key in enumeration order, valid while
-    // nothing has changed the store since they were read.
+    struct Child {
+        std::string folded;  // foldName(name): the sort and lookup key
+        std::string name;
+    };
+    // The subkeys of one key in enumeration order, shared by every handle
+    // on it. This process's own changes are applied to it in place; a
+    // commit by another process (the file's data version moves on) or a
+    // rollback makes it be read again.
     struct ChildList {
-        bool loaded = false;
-        std::uint64_t localStamp = 0;
-        std::int64_t dataVersion = 0;
-        std::vector<std::string> names;
+        std::deque<Child> children;   // sorted by folded name
+        std::int64_t dataVersion = 0; // of the file when read or last confirmed
+        std::uint64_t stamp = 0;      // changes whenever `children` may have changed
     };
     struct OpenKey {
         std::int64_t id = 0;
-        ChildList children;
+        // An enumeration going on index by index through this handle: the
+        // index that continues it and the list state it was served from.
+        std::uint32_t nextIndex = 0;
+        std::uint64_t scanStamp = 0;
     };
     struct StoredValue {
         std::string name;
@@ -61,8 +71,12 @@ private:
         std::string data;
     };
 
+    // Every private member function below runs with mutex_ held by its
+    // caller (a public call, or a scope object one created).
+
     // Runs `work(keyId)` on the live key behind `key` as one operation in
-    // a ReadScope or WriteScope; a write commits when work succeeds.
+    // a ReadScope or WriteScope; a write commits when work succeeds. Takes
+    // mutex_ itself: the public calls use it.
     template <typename Scope, typename Work>
     RegResult onKey(HKey key, Work&& work);
 
@@ -76,10 +90,8 @@ private:
     RegResult readValueAt(std::int64_t keyId, std::uint32_t index, StoredValue* value);
     RegResult storeValue(std::int64_t keyId, const char* name, RegType type, const std::string& bytes);
     RegResult removeLeafKey(std::int64_t id);
-    RegResult loadChildren(OpenKey& key);
     bool keyExists(std::int64_t id);
     HKey newHandle(std::int64_t id);
-    std::int64_t dataVersion();
     RegResult sqlFailure(int rc, bool whileWriting);
     bool run(const char* sql);
     // A statement failed in a way that ended a held transaction behind our
@@ -89,15 +101,31 @@ private:
     // later keys; handles on those keys must not reach them.
     std::int64_t highestKeyId();
     void forgetKeysAfter(std::int64_t id);
+    void rollbackLocked();
 
-    std::recursive_mutex mutex_;
+    // The current child list of `open`'s key. `index` is the index asked
+    // for: an enumeration that goes on through the same handle is served
+    // from the list it began with, without asking the file again.
+    RegResult currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list);
+    RegResult loadChildren(std::int64_t id, std::int64_t version, const ChildList** list);
+    std::int64_t dataVersion();
+    void noteChildAdded(std::int64_t parent, std::string folded, std::string_view name);
+    void noteChildRemoved(std::int64_t parent, const std::string& folded);
+    void dropChildList(std::int64_t id);
+    // After a rollback nothing cached can be trusted.
+    void forgetChildLists();
+    void limitCachedNames(std::int64_t keep);
+
+    std::mutex mutex_;
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
     std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
-    std::uint64_t localStamp_ = 1; // bumped on every change made or undone here
+    std::int64_t heldDataVersion_ = -1;  // read once per held transaction: it cannot move inside one
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine
+    std::unordered_map<std::int64_t, ChildList> childLists_;  // by key id
+    std::size_t cachedNames_ = 0;
 };
 
 }  // namespace braxcfg::platform
