@@ -25,6 +25,7 @@ public:
     }
     BenchStore(const BenchStore&) = delete;
     BenchStore& operator=(const BenchStore&) = delete;
+    const std::string& path() const { return path_; }
 
 private:
     void removeFiles() const {

@@ -56,6 +56,7 @@ public:
     explicit ReadScope(SqliteBackend& backend) : backend_(backend) {
         if (backend_.transactionLost()) return;
         if (backend_.depth_ == 0) {
+            backend_.snapshotVersion_ = -1;
             began_ = backend_.run("BEGIN");
             ok_ = began_;
         } else {
@@ -88,6 +89,7 @@ public:
             status_ = kErrorCantWrite;
             return;
         }
+        if (backend_.depth_ == 0) backend_.snapshotVersion_ = -1;
         const char* begin = backend_.depth_ == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT op";
         if (!backend_.run(begin)) {
             status_ = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
@@ -184,6 +186,7 @@ SqliteBackend::OpenKey* SqliteBackend::openKeyOf(HKey key) {
 }
 
 bool SqliteBackend::keyExists(std::int64_t id) {
+    if (currentListOf(id)) return true;
     StatementUse stmt(db_->cached("SELECT 1 FROM keys WHERE id = ?"));
     return stmt.valid() && stmt->bind(1, id).step() == SQLITE_ROW;
 }
@@ -195,15 +198,18 @@ RegResult SqliteBackend::keyIdOf(HKey key, std::int64_t* id) {
     return keyExists(open->id) ? kErrorSuccess : kErrorKeyDeleted;
 }
 
+// Looks the name up in the parent's kept list, read first when needed, so
+// that walking a path reads each key's list once rather than querying the
+// file per component on every open.
 RegResult SqliteBackend::findChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
-    StatementUse stmt(db_->cached("SELECT id FROM keys WHERE parent = ? AND folded = ?"));
-    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
-    const int rc = stmt->bind(1, parent).bindBlob(2, foldName(name)).step();
-    if (rc == SQLITE_ROW) {
-        *id = stmt->columnInt(0);
-        return kErrorSuccess;
-    }
-    return rc == SQLITE_DONE ? kErrorFileNotFound : sqlFailure(rc, false);
+    const ChildList* list = currentListOf(parent);
+    if (!list)
+        if (const RegResult rc = loadChildren(parent, dataVersion(), &list); rc != kErrorSuccess) return rc;
+    const std::string folded = foldName(name);
+    const auto at = lowerBound(list->children, folded);
+    if (at == list->children.end() || at->folded != folded) return kErrorFileNotFound;
+    *id = at->id;
+    return kErrorSuccess;
 }
 
 RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
@@ -213,7 +219,7 @@ RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, st
     const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, folded).step();
     if (rc != SQLITE_DONE) return sqlFailure(rc, true);
     *id = sqlite3_last_insert_rowid(db_->handle());
-    noteChildAdded(parent, std::move(folded), name);
+    noteChildAdded(parent, std::move(folded), name, *id);
     return kErrorSuccess;
 }
 
@@ -432,12 +438,16 @@ RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
 }
 
 std::int64_t SqliteBackend::dataVersion() {
-    // Inside a held transaction the snapshot, and so the version, is fixed
-    // once read.
-    if (depth_ > 0 && heldDataVersion_ >= 0) return heldDataVersion_;
-    const std::int64_t version = db_->queryInt("PRAGMA data_version", -1);
-    if (depth_ > 0) heldDataVersion_ = version;
-    return version;
+    // Within one snapshot (a scope's or a held transaction's) the version
+    // cannot move once read.
+    if (snapshotVersion_ < 0) snapshotVersion_ = db_->queryInt("PRAGMA data_version", -1);
+    return snapshotVersion_;
+}
+
+const SqliteBackend::ChildList* SqliteBackend::currentListOf(std::int64_t id) {
+    const auto cached = childLists_.find(id);
+    if (cached == childLists_.end() || cached->second.dataVersion != dataVersion()) return nullptr;
+    return &cached->second;
 }
 
 RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list) {
@@ -449,14 +459,8 @@ RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, con
     }
     ReadScope scope(*this);
     if (scope.status() != kErrorSuccess) return scope.status();
-    const std::int64_t version = dataVersion();
-    // A list read at this version is current: only another process could
-    // have changed the key (its deletion by this process drops the list).
-    if (cached != childLists_.end() && cached->second.dataVersion == version) {
-        *list = &cached->second;
-        return kErrorSuccess;
-    }
-    return loadChildren(open.id, version, list);
+    if ((*list = currentListOf(open.id))) return kErrorSuccess;
+    return loadChildren(open.id, dataVersion(), list);
 }
 
 RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, const ChildList** list) {
@@ -464,18 +468,19 @@ RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, con
         dropChildList(id);
         return kErrorKeyDeleted;
     }
-    StatementUse stmt(db_->cached("SELECT folded, name FROM keys WHERE parent = ? ORDER BY folded"));
+    StatementUse stmt(db_->cached("SELECT folded, name, id FROM keys WHERE parent = ? ORDER BY folded"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
     stmt->bind(1, id);
     std::deque<Child> children;
     int rc = SQLITE_ROW;
     while ((rc = stmt->step()) == SQLITE_ROW)
-        children.push_back(Child{std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1))});
+        children.push_back(
+            Child{std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1)), stmt->columnInt(2)});
     if (rc != SQLITE_DONE) return sqlFailure(rc, false);
     ChildList& entry = childLists_[id];
     const bool same = entry.stamp != 0 && std::equal(children.begin(), children.end(), entry.children.begin(),
                                                      entry.children.end(), [](const Child& a, const Child& b) {
-                                                         return a.name == b.name;
+                                                         return a.name == b.name && a.id == b.id;
                                                      });
     cachedNames_ += children.size();
     cachedNames_ -= entry.children.size();
@@ -499,13 +504,13 @@ void SqliteBackend::limitCachedNames(std::int64_t keep) {
     }
 }
 
-void SqliteBackend::noteChildAdded(std::int64_t parent, std::string folded, std::string_view name) {
+void SqliteBackend::noteChildAdded(std::int64_t parent, std::string folded, std::string_view name,
+                                   std::int64_t id) {
     const auto cached = childLists_.find(parent);
     if (cached == childLists_.end()) return;
     auto& children = cached->second.children;
-    const auto at = std::lower_bound(children.begin(), children.end(), folded,
-                                     [](const Child& child, const std::string& key) { return child.folded < key; });
-    children.insert(at, Child{std::move(folded), std::string(name)});
+    const auto at = lowerBound(children, folded);
+    children.insert(at, Child{std::move(folded), std::string(name), id});
     cached->second.stamp = nextListStamp++;
     ++cachedNames_;
 }
@@ -514,8 +519,7 @@ void SqliteBackend::noteChildRemoved(std::int64_t parent, const std::string& fol
     const auto cached = childLists_.find(parent);
     if (cached == childLists_.end()) return;
     auto& children = cached->second.children;
-    const auto at = std::lower_bound(children.begin(), children.end(), folded,
-                                     [](const Child& child, const std::string& key) { return child.folded < key; });
+    const auto at = lowerBound(children, folded);
     if (at == children.end() || at->folded != folded) return;
     children.erase(at);
     cached->second.stamp = nextListStamp++;
@@ -596,7 +600,7 @@ RegResult SqliteBackend::beginTransaction() {
     if (transactionLost()) return kErrorCantWrite;
     const char* begin = depth_ > 0 ? "SAVEPOINT nest" : writable_ ? "BEGIN IMMEDIATE" : "BEGIN";
     if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
-    if (depth_ == 0) heldDataVersion_ = -1;
+    if (depth_ == 0) snapshotVersion_ = -1;
     ++depth_;
     scopeStartIds_.push_back(highestKeyId());
     return kErrorSuccess;

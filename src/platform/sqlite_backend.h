@@ -3,6 +3,7 @@
 // contract). Keys are rows with ids that are never reused, so a handle on a
 // deleted key can tell it was deleted and never reaches a newer key of the
 // same name. Handles belong to this process.
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -48,6 +49,7 @@ private:
     struct Child {
         std::string folded;  // foldName(name): the sort and lookup key
         std::string name;
+        std::int64_t id = 0;
     };
     // The subkeys of one key in enumeration order, shared by every handle
     // on it. This process's own changes are applied to it in place; a
@@ -109,7 +111,14 @@ private:
     RegResult currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list);
     RegResult loadChildren(std::int64_t id, std::int64_t version, const ChildList** list);
     std::int64_t dataVersion();
-    void noteChildAdded(std::int64_t parent, std::string folded, std::string_view name);
+    // The list of key `id` when it is kept and current in this snapshot.
+    const ChildList* currentListOf(std::int64_t id);
+    template <typename Children>
+    static auto lowerBound(Children& children, const std::string& folded) {
+        return std::lower_bound(children.begin(), children.end(), folded,
+                                [](const Child& child, const std::string& key) { return child.folded < key; });
+    }
+    void noteChildAdded(std::int64_t parent, std::string folded, std::string_view name, std::int64_t id);
     void noteChildRemoved(std::int64_t parent, const std::string& folded);
     void dropChildList(std::int64_t id);
     // After a rollback nothing cached can be trusted.
@@ -121,7 +130,7 @@ private:
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
     std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
-    std::int64_t heldDataVersion_ = -1;  // read once per held transaction: it cannot move inside one
+    std::int64_t snapshotVersion_ = -1;  // the file's data version in this snapshot; -1 until read
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine
     std::unordered_map<std::int64_t, ChildList> childLists_;  // by key id

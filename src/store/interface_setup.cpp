@@ -1,11 +1,14 @@
 #include "store/interface_setup.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "platform/product_settings.h"
 #include "platform/profile_reader.h"
 #include "platform/registry.h"
+#include "platform/subkey_memo.h"
 
 namespace braxcfg::store {
 namespace {
@@ -39,18 +42,26 @@ std::optional<long long> interfaceNumberOf(const std::string& name) {
     return number;
 }
 
-// The smallest n >= from whose key "INTF<n>" exists: the numbers between
-// have no key, so visiting them would do nothing.
-std::optional<long long> nextInterfaceNumber(long long from) {
-    const platform::Registry root("", platform::kRegOpenExisting);
-    std::optional<long long> best;
+std::vector<long long> sortedInterfaceNumbers(const platform::Registry& root) {
+    std::vector<long long> numbers;
     for (std::uint32_t index = 0;; ++index) {
         const std::string name = root.enumKey(index);
         if (name.empty()) break;
-        const auto number = interfaceNumberOf(name);
-        if (number && *number >= from && (!best || *number < *best)) best = number;
+        if (const auto number = interfaceNumberOf(name)) numbers.push_back(*number);
     }
-    return best;
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+// The smallest n >= from whose key "INTF<n>" exists: the numbers between
+// have no key, so visiting them would do nothing. The list of numbers is
+// read again only when the product key's subkeys changed.
+std::optional<long long> nextInterfaceNumber(long long from) {
+    static platform::SubkeyMemo<std::vector<long long>> memo;
+    const auto numbers = memo.get(platform::Registry("", platform::kRegOpenExisting), sortedInterfaceNumbers);
+    const auto next = std::lower_bound(numbers->begin(), numbers->end(), from);
+    if (next == numbers->end()) return std::nullopt;
+    return *next;
 }
 
 }  // namespace

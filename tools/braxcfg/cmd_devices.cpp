@@ -50,6 +50,9 @@ void printValues(const std::string& keyPath) {
 }
 
 int listDevices(const store::ConfigStore& store, const std::string& intf) {
+    // One transaction: the listing is one picture of the store, and its
+    // thousands of small reads share one lock round instead of one each.
+    const platform::StoreTransaction snapshot;
     std::uint32_t index = 0;
     for (std::string device; !(device = store.GetDeviceName(intf, index)).empty(); ++index) {
         std::cout << device << "\n";

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/registry.h"
+#include "platform/subkey_memo.h"
 #include "visacore/config/config_names.h"
 
 namespace braxcfg::visa {
@@ -14,10 +15,7 @@ using platform::Registry;
 
 constexpr std::size_t kIntfPrefixLength = 4;  // "INTF"
 
-}  // namespace
-
-int RegVISAConfig::getMaxIntfNum() {
-    const Registry root("", kRegOpenExisting);
+int highestInterfaceNumber(const Registry& root) {
     int highest = 0;
     for (std::uint32_t index = 0;; ++index) {
         const std::string name = root.enumKey(index);
@@ -27,6 +25,15 @@ int RegVISAConfig::getMaxIntfNum() {
         if (number > highest) highest = number;
     }
     return highest;
+}
+
+}  // namespace
+
+// The end of a configuration pass asks before every round; the answer is
+// computed again only when the product key's subkeys changed.
+int RegVISAConfig::getMaxIntfNum() {
+    static platform::SubkeyMemo<int> memo;
+    return *memo.get(Registry("", kRegOpenExisting), highestInterfaceNumber);
 }
 
 RegVISAIntfConfig::RegVISAIntfConfig(RegVISAConfig* config, const char* intf) {
