@@ -99,12 +99,15 @@ TEST_F(StoreSemantics, PathsAreRelativeAndNamesAreLimited) {
 
 TEST_F(StoreSemantics, SubkeysEnumerateByUpperCaseCharacterCode) {
     const HKey parent = createKey(store, "Order");
-    // Upper-cased, '[' and '_' sort after 'Z'; the euro sign (0x80 in the
-    // code page) sorts by its character, after E acute.
-    for (const char* name : {"_x", "Zed", "\x80", "apple", "Subkey2", "Subkey1", "[b", "\xE9", "a", "A1"})
+    // Upper-cased, '[' and '_' sort after 'Z'; the cp1252 letters sort by
+    // their upper-case character: e acute as U+00C9, oe U+0152, s caron
+    // U+0160, y diaeresis U+0178, z caron U+017D, f hook U+0191, the euro
+    // sign U+20AC; the micro sign has no upper case and stays U+00B5.
+    for (const char* name : {"_x", "Zed", "\x80", "apple", "Subkey2", "Subkey1", "[b", "\xE9", "a", "A1", "\xB5",
+                             "\x83", "\x9E", "\xFF", "\x9A", "\x9C"})
         createKey(store, name, parent);
-    EXPECT_EQ(subkeyNames(store, parent),
-              (Names{"a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "[b", "_x", "\xE9", "\x80"}));
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "[b", "_x", "\xB5",
+                                                 "\xE9", "\x9C", "\x9A", "\xFF", "\x9E", "\x83", "\x80"}));
 }
 
 TEST_F(StoreSemantics, ValuesEnumerateInCreationOrder) {

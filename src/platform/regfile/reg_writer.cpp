@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/regfile/cp1252.h"
+#include "platform/cp1252.h"
 #include "platform/regfile/reg_grammar.h"
 #include "platform/regfile/reg_path.h"
 
