@@ -96,6 +96,7 @@ public:
             return;
         }
         open_ = true;
+        changesAtStart_ = backend_.keyChanges_;
     }
     ~WriteScope() {
         if (open_) undo();
@@ -117,7 +118,7 @@ public:
 private:
     void undo() {
         open_ = false;
-        backend_.forgetChildLists();
+        backend_.forgetChildListsSince(backend_.transactionLost() ? ~std::uint64_t{0} : changesAtStart_);
         if (backend_.depth_ == 0) {
             backend_.run("ROLLBACK");
         } else if (!backend_.transactionLost()) {
@@ -129,6 +130,7 @@ private:
     SqliteBackend& backend_;
     RegResult status_ = kErrorSuccess;
     bool open_ = false;
+    std::uint64_t changesAtStart_ = 0;
 };
 
 SqliteBackend::SqliteBackend(std::unique_ptr<SqliteConnection> db, bool writable)
@@ -219,6 +221,7 @@ RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, st
     const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, folded).step();
     if (rc != SQLITE_DONE) return sqlFailure(rc, true);
     *id = sqlite3_last_insert_rowid(db_->handle());
+    ++keyChanges_;
     noteChildAdded(parent, std::move(folded), name, *id);
     return kErrorSuccess;
 }
@@ -432,6 +435,7 @@ RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
         if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
         if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
     }
+    ++keyChanges_;
     noteChildRemoved(parent, folded);
     dropChildList(id);
     return kErrorSuccess;
@@ -533,6 +537,10 @@ void SqliteBackend::dropChildList(std::int64_t id) {
     }
 }
 
+void SqliteBackend::forgetChildListsSince(std::uint64_t keyChanges) {
+    if (keyChanges != keyChanges_) forgetChildLists();
+}
+
 void SqliteBackend::forgetChildLists() {
     childLists_.clear();
     cachedNames_ = 0;
@@ -602,28 +610,28 @@ RegResult SqliteBackend::beginTransaction() {
     if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
     if (depth_ == 0) snapshotVersion_ = -1;
     ++depth_;
-    scopeStartIds_.push_back(highestKeyId());
+    scopes_.push_back(HeldScope{highestKeyId(), keyChanges_});
     return kErrorSuccess;
 }
 
 RegResult SqliteBackend::commitTransaction() {
     std::lock_guard lock(mutex_);
     if (depth_ == 0) return kErrorInvalidParameter;
-    const std::int64_t startId = scopeStartIds_.back();
-    scopeStartIds_.pop_back();
+    const HeldScope scope = scopes_.back();
+    scopes_.pop_back();
     const bool lost = transactionLost();
     --depth_;
     if (lost) {
         forgetChildLists();
-        forgetKeysAfter(startId);
+        forgetKeysAfter(scope.highestKeyId);
         return kErrorCantWrite;
     }
     if (depth_ > 0) return run("RELEASE nest") ? kErrorSuccess : kErrorCantWrite;
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
-    forgetChildLists();
-    forgetKeysAfter(startId);
+    forgetChildListsSince(scope.keyChanges);
+    forgetKeysAfter(scope.highestKeyId);
     return failure;
 }
 
@@ -634,12 +642,15 @@ void SqliteBackend::rollbackTransaction() {
 
 void SqliteBackend::rollbackLocked() {
     if (depth_ == 0) return;
-    const std::int64_t startId = scopeStartIds_.back();
-    scopeStartIds_.pop_back();
+    const HeldScope scope = scopes_.back();
+    scopes_.pop_back();
     const bool lost = transactionLost();
     --depth_;
-    forgetChildLists();
-    forgetKeysAfter(startId);
+    if (lost)
+        forgetChildLists();
+    else
+        forgetChildListsSince(scope.keyChanges);
+    forgetKeysAfter(scope.highestKeyId);
     if (lost) return;
     if (depth_ == 0) {
         run("ROLLBACK");

@@ -121,15 +121,22 @@ private:
     void noteChildAdded(std::int64_t parent, std::string folded, std::string_view name, std::int64_t id);
     void noteChildRemoved(std::int64_t parent, const std::string& folded);
     void dropChildList(std::int64_t id);
-    // After a rollback nothing cached can be trusted.
+    // After a rollback of keys created or deleted, no kept list can be
+    // trusted; one that undid only value changes leaves them all valid.
     void forgetChildLists();
+    void forgetChildListsSince(std::uint64_t keyChanges);
     void limitCachedNames(std::int64_t keep);
 
     std::mutex mutex_;
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
-    std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
+    struct HeldScope {
+        std::int64_t highestKeyId;  // as the scope began
+        std::uint64_t keyChanges;   // keyChanges_ as the scope began
+    };
+    std::vector<HeldScope> scopes_;
+    std::uint64_t keyChanges_ = 0;  // keys created or deleted by this process so far
     std::int64_t snapshotVersion_ = -1;  // the file's data version in this snapshot; -1 until read
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine
