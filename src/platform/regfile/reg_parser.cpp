@@ -302,8 +302,8 @@ bool RegParser::continueHexList(LineCursor& cursor) {
 }
 
 // Text types in hex form: narrow bytes after REGEDIT4, UTF-16LE after the
-// version 5.00 header. Either way the store gets narrow text ending in one
-// NUL (added when the list does not end in one).
+// version 5.00 header. The store gets exactly the units listed, converted:
+// no NUL is added, so data written without a terminator comes back so.
 bool RegParser::textFromHex(RegOp& op) {
     if (!isTextType(op.type)) return true;
     if (version_ == RegVersion::Version5) {
@@ -316,7 +316,6 @@ bool RegParser::textFromHex(RegOp& op) {
         if (auto message = appendNarrow(units, UnicodeForm::Utf16Le, op.data))
             return fail(op.line, "hex(" + std::to_string(op.type) + ") text: " + *message);
     }
-    if (!op.data.empty() && op.data.back() != '\0') op.data += '\0';
     return true;
 }
 
