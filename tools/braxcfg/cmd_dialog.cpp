@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "command.h"
+#include "tool_text.h"
 #include "dialogs/config_choice.h"
 #include "dialogs/new_device.h"
 #include "dialogs/ready_auto_config.h"
@@ -86,12 +87,13 @@ constexpr DialogKind kDialogs[] = {
 int runDialog(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {}, {"--prefix", "--intf", "--screenshot"}, split, error)) return fail(error);
+    if (!splitArgs(args, {}, {"--prefix", "--intf", "--screenshot"}, split, error, {{"--screenshot"}}))
+        return fail(error);
     if (split.operands.size() != 1) return fail("expected one dialog: new-device, choice or ready");
     const DialogKind* kind = nullptr;
     for (const DialogKind& candidate : kDialogs)
         if (split.operands[0] == candidate.name) kind = &candidate;
-    if (kind == nullptr) return fail("unknown dialog '" + split.operands[0] + "'");
+    if (kind == nullptr) return fail("unknown dialog '" + forStderr(split.operands[0]) + "'");
     const std::string value = optionValue(split, kind->option);
     if (value.empty()) return fail(std::string(kind->name) + " needs " + kind->option);
     const std::string screenshot = optionValue(split, "--screenshot");
@@ -111,7 +113,7 @@ int runDialog(const Args& args) {
         return instead.saved() ? 0 : fail("cannot write " + screenshot);
     }
     const Outcome outcome = kind->open(value);
-    std::cout << outcome.printed;
+    std::cout << forStdout(outcome.printed, "\n");
     return outcome.result == ui::kIdOk ? 0 : kExitCancel;
 }
 

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "tool_text.h"
 #include "tcpip/resource_test.h"
 #include "ui/message_box.h"
 #include "visacore/probe_timeout.h"
@@ -33,7 +34,7 @@ int runTest(const Args& args) {
     const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control);
     if (boxes.requests().empty()) return fail("the VISA resource manager could not be opened");
     const ui::MessageBoxRequest& box = boxes.requests().front();
-    std::cout << box.caption << "\n" << box.text << "\n";
+    std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n";
     return found == 1 ? 0 : 1;
 }
 
