@@ -12,11 +12,15 @@ namespace braxcfg::platform::regfile {
 namespace {
 
 // Quotes a piece of the offending text for a message, shortened so that a
-// runaway line does not flood the terminal.
+// runaway line does not flood the terminal. Built by appending: GCC 12 at
+// -O3 takes `"\"" + std::string(...)` for an overlapping copy (-Wrestrict).
 std::string quoted(std::string_view text) {
     constexpr std::size_t kShown = 60;
-    if (text.size() > kShown) return "\"" + std::string(text.substr(0, kShown)) + "...\"";
-    return "\"" + std::string(text) + "\"";
+    std::string out = "\"";
+    out += text.substr(0, kShown);
+    if (text.size() > kShown) out += "...";
+    out += '"';
+    return out;
 }
 
 std::string_view trimTrailingBlanks(std::string_view text) {

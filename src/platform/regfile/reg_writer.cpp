@@ -78,9 +78,13 @@ std::string escapeRegString(std::string_view text) {
 }
 
 std::string formatRegValue(std::string_view name, RegType type, std::string_view bytes, std::string_view lineEnd) {
-    std::string line = name.empty() ? std::string("@=") : "\"" + escapeRegString(name) + "\"=";
+    // Appended piece by piece: GCC 12 at -O3 takes `"\"" + std::string`
+    // for an overlapping copy (-Wrestrict).
+    std::string line = name.empty() ? "@=" : "\"";
+    if (!name.empty()) line.append(escapeRegString(name)).append("\"=");
     if (type == kRegSz && isQuotableString(bytes)) {
-        return line + "\"" + escapeRegString(bytes.substr(0, bytes.size() - 1)) + "\"";
+        line.append("\"").append(escapeRegString(bytes.substr(0, bytes.size() - 1))).append("\"");
+        return line;
     }
     if (type == kRegDword && bytes.size() == 4) {
         char buffer[16];
