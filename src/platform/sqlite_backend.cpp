@@ -1,6 +1,5 @@
 #include "platform/sqlite_backend.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -29,14 +28,6 @@ std::string_view valueName(const char* name) { return name ? std::string_view(na
 // Handles are unique within the process, across every store it opens, so a
 // handle kept from a store that was since replaced is simply unknown.
 std::atomic<HKey> nextHandleNumber{0x1000};
-
-// Child-list stamps are unique within the process too, so a stamp kept by a
-// caller never matches a list of another key or another store.
-std::atomic<std::uint64_t> nextListStamp{1};
-
-// Lists of more names than this are not all kept: past it, every list but
-// the one in use is dropped (each is read again when next needed).
-constexpr std::size_t kMaxCachedNames = std::size_t{1} << 18;
 
 // Copies stored bytes to a caller's buffer of `capacity` bytes. A string that
 // was stored without its terminator gets one when there is room; it is not
@@ -118,7 +109,7 @@ public:
 private:
     void undo() {
         open_ = false;
-        backend_.forgetChildListsSince(backend_.transactionLost() ? ~std::uint64_t{0} : changesAtStart_);
+        backend_.forgetSubkeyListsSince(backend_.transactionLost() ? ~std::uint64_t{0} : changesAtStart_);
         if (backend_.depth_ == 0) {
             backend_.run("ROLLBACK");
         } else if (!backend_.transactionLost()) {
@@ -204,11 +195,11 @@ RegResult SqliteBackend::keyIdOf(HKey key, std::int64_t* id) {
 // that walking a path reads each key's list once rather than querying the
 // file per component on every open.
 RegResult SqliteBackend::findChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
-    const ChildList* list = currentListOf(parent);
+    const SubkeyLists::List* list = currentListOf(parent);
     if (!list)
         if (const RegResult rc = loadChildren(parent, dataVersion(), &list); rc != kErrorSuccess) return rc;
     const std::string folded = foldName(name);
-    const auto at = lowerBound(list->children, folded);
+    const auto at = SubkeyLists::lowerBound(list->children, folded);
     if (at == list->children.end() || at->folded != folded) return kErrorFileNotFound;
     *id = at->id;
     return kErrorSuccess;
@@ -222,7 +213,7 @@ RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, st
     if (rc != SQLITE_DONE) return sqlFailure(rc, true);
     *id = sqlite3_last_insert_rowid(db_->handle());
     ++keyChanges_;
-    noteChildAdded(parent, std::move(folded), name, *id);
+    subkeyLists_.added(parent, std::move(folded), name, *id);
     return kErrorSuccess;
 }
 
@@ -436,8 +427,8 @@ RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
         if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
     }
     ++keyChanges_;
-    noteChildRemoved(parent, folded);
-    dropChildList(id);
+    subkeyLists_.removed(parent, folded);
+    subkeyLists_.drop(id);
     return kErrorSuccess;
 }
 
@@ -448,102 +439,46 @@ std::int64_t SqliteBackend::dataVersion() {
     return snapshotVersion_;
 }
 
-const SqliteBackend::ChildList* SqliteBackend::currentListOf(std::int64_t id) {
-    const auto cached = childLists_.find(id);
-    if (cached == childLists_.end() || cached->second.dataVersion != dataVersion()) return nullptr;
-    return &cached->second;
+const SubkeyLists::List* SqliteBackend::currentListOf(std::int64_t id) {
+    const SubkeyLists::List* list = subkeyLists_.find(id);
+    return list != nullptr && list->dataVersion == dataVersion() ? list : nullptr;
 }
 
-RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list) {
-    const auto cached = childLists_.find(open.id);
-    const bool continues = index > 0 && index == open.nextIndex;
-    if (cached != childLists_.end() && continues && cached->second.stamp == open.scanStamp) {
-        *list = &cached->second;
+RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list) {
+    // An enumeration that goes on through this handle, with nothing
+    // changed here since its last step, is served from the same list.
+    const SubkeyLists::List* kept = subkeyLists_.find(open.id);
+    if (kept != nullptr && index > 0 && index == open.nextIndex && kept->stamp == open.scanStamp) {
+        *list = kept;
         return kErrorSuccess;
     }
     ReadScope scope(*this);
     if (scope.status() != kErrorSuccess) return scope.status();
+    // A list read at the current version is current: only another process
+    // could have changed the key (its deletion here drops the list).
     if ((*list = currentListOf(open.id))) return kErrorSuccess;
     return loadChildren(open.id, dataVersion(), list);
 }
 
-RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, const ChildList** list) {
+RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, const SubkeyLists::List** list) {
     if (!keyExists(id)) {
-        dropChildList(id);
+        subkeyLists_.drop(id);
         return kErrorKeyDeleted;
     }
     StatementUse stmt(db_->cached("SELECT folded, name, id FROM keys WHERE parent = ? ORDER BY folded"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
     stmt->bind(1, id);
-    std::deque<Child> children;
+    std::deque<SubkeyLists::Child> children;
     int rc = SQLITE_ROW;
     while ((rc = stmt->step()) == SQLITE_ROW)
-        children.push_back(
-            Child{std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1)), stmt->columnInt(2)});
+        children.push_back({std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1)), stmt->columnInt(2)});
     if (rc != SQLITE_DONE) return sqlFailure(rc, false);
-    ChildList& entry = childLists_[id];
-    const bool same = entry.stamp != 0 && std::equal(children.begin(), children.end(), entry.children.begin(),
-                                                     entry.children.end(), [](const Child& a, const Child& b) {
-                                                         return a.name == b.name && a.id == b.id;
-                                                     });
-    cachedNames_ += children.size();
-    cachedNames_ -= entry.children.size();
-    entry.children = std::move(children);
-    entry.dataVersion = version;
-    if (!same) entry.stamp = nextListStamp++;
-    limitCachedNames(id);
-    *list = &childLists_.at(id);
+    *list = &subkeyLists_.store(id, std::move(children), version);
     return kErrorSuccess;
 }
 
-void SqliteBackend::limitCachedNames(std::int64_t keep) {
-    if (cachedNames_ <= kMaxCachedNames) return;
-    for (auto it = childLists_.begin(); it != childLists_.end();) {
-        if (it->first == keep) {
-            ++it;
-            continue;
-        }
-        cachedNames_ -= it->second.children.size();
-        it = childLists_.erase(it);
-    }
-}
-
-void SqliteBackend::noteChildAdded(std::int64_t parent, std::string folded, std::string_view name,
-                                   std::int64_t id) {
-    const auto cached = childLists_.find(parent);
-    if (cached == childLists_.end()) return;
-    auto& children = cached->second.children;
-    const auto at = lowerBound(children, folded);
-    children.insert(at, Child{std::move(folded), std::string(name), id});
-    cached->second.stamp = nextListStamp++;
-    ++cachedNames_;
-}
-
-void SqliteBackend::noteChildRemoved(std::int64_t parent, const std::string& folded) {
-    const auto cached = childLists_.find(parent);
-    if (cached == childLists_.end()) return;
-    auto& children = cached->second.children;
-    const auto at = lowerBound(children, folded);
-    if (at == children.end() || at->folded != folded) return;
-    children.erase(at);
-    cached->second.stamp = nextListStamp++;
-    --cachedNames_;
-}
-
-void SqliteBackend::dropChildList(std::int64_t id) {
-    if (const auto gone = childLists_.find(id); gone != childLists_.end()) {
-        cachedNames_ -= gone->second.children.size();
-        childLists_.erase(gone);
-    }
-}
-
-void SqliteBackend::forgetChildListsSince(std::uint64_t keyChanges) {
-    if (keyChanges != keyChanges_) forgetChildLists();
-}
-
-void SqliteBackend::forgetChildLists() {
-    childLists_.clear();
-    cachedNames_ = 0;
+void SqliteBackend::forgetSubkeyListsSince(std::uint64_t keyChanges) {
+    if (keyChanges != keyChanges_) subkeyLists_.clear();
 }
 
 RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) {
@@ -551,7 +486,7 @@ RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std:
     std::lock_guard lock(mutex_);
     OpenKey* open = openKeyOf(key);
     if (!open) return kErrorInvalidHandle;
-    const ChildList* list = nullptr;
+    const SubkeyLists::List* list = nullptr;
     if (const RegResult rc = currentChildren(*open, index, &list); rc != kErrorSuccess) return rc;
     if (index >= list->children.size()) return kErrorNoMoreItems;
     const std::string& found = list->children[index].name;
@@ -566,7 +501,7 @@ RegResult SqliteBackend::queryInfoKey(HKey key, std::uint32_t* subKeys, std::uin
     std::lock_guard lock(mutex_);
     OpenKey* open = openKeyOf(key);
     if (!open) return kErrorInvalidHandle;
-    const ChildList* list = nullptr;
+    const SubkeyLists::List* list = nullptr;
     if (const RegResult rc = currentChildren(*open, 0, &list); rc != kErrorSuccess) return rc;
     if (subKeys) *subKeys = static_cast<std::uint32_t>(list->children.size());
     if (lastWriteTime) *lastWriteTime = list->stamp;
@@ -622,7 +557,7 @@ RegResult SqliteBackend::commitTransaction() {
     const bool lost = transactionLost();
     --depth_;
     if (lost) {
-        forgetChildLists();
+        subkeyLists_.clear();
         forgetKeysAfter(scope.highestKeyId);
         return kErrorCantWrite;
     }
@@ -630,7 +565,7 @@ RegResult SqliteBackend::commitTransaction() {
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
-    forgetChildListsSince(scope.keyChanges);
+    forgetSubkeyListsSince(scope.keyChanges);
     forgetKeysAfter(scope.highestKeyId);
     return failure;
 }
@@ -647,9 +582,9 @@ void SqliteBackend::rollbackLocked() {
     const bool lost = transactionLost();
     --depth_;
     if (lost)
-        forgetChildLists();
+        subkeyLists_.clear();
     else
-        forgetChildListsSince(scope.keyChanges);
+        forgetSubkeyListsSince(scope.keyChanges);
     forgetKeysAfter(scope.highestKeyId);
     if (lost) return;
     if (depth_ == 0) {

@@ -3,9 +3,7 @@
 // contract). Keys are rows with ids that are never reused, so a handle on a
 // deleted key can tell it was deleted and never reaches a newer key of the
 // same name. Handles belong to this process.
-#include <algorithm>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "platform/sqlite_db.h"
+#include "platform/sqlite_subkey_lists.h"
 #include "platform/store_backend.h"
 
 namespace braxcfg::platform {
@@ -46,20 +45,6 @@ private:
     friend class ReadScope;
     friend class WriteScope;
 
-    struct Child {
-        std::string folded;  // foldName(name): the sort and lookup key
-        std::string name;
-        std::int64_t id = 0;
-    };
-    // The subkeys of one key in enumeration order, shared by every handle
-    // on it. This process's own changes are applied to it in place; a
-    // commit by another process (the file's data version moves on) or a
-    // rollback makes it be read again.
-    struct ChildList {
-        std::deque<Child> children;   // sorted by folded name
-        std::int64_t dataVersion = 0; // of the file when read or last confirmed
-        std::uint64_t stamp = 0;      // changes whenever `children` may have changed
-    };
     struct OpenKey {
         std::int64_t id = 0;
         // An enumeration going on index by index through this handle: the
@@ -73,27 +58,46 @@ private:
         std::string data;
     };
 
-    // Every private member function below runs with mutex_ held by its
-    // caller (a public call, or a scope object one created).
-
     // Runs `work(keyId)` on the live key behind `key` as one operation in
     // a ReadScope or WriteScope; a write commits when work succeeds. Takes
     // mutex_ itself: the public calls use it.
     template <typename Scope, typename Work>
     RegResult onKey(HKey key, Work&& work);
 
+    // Every helper from here on runs with mutex_ held by its caller (a
+    // public call, or a scope object one created); none takes it.
+
+    // Handles and keys. Caller holds mutex_.
     OpenKey* openKeyOf(HKey key);
     RegResult keyIdOf(HKey key, std::int64_t* id);
+    bool keyExists(std::int64_t id);
+    HKey newHandle(std::int64_t id);
     RegResult findPath(std::int64_t from, const char* subKey, std::int64_t* id);
     RegResult createPath(std::int64_t from, const char* subKey, std::int64_t* id, bool* created);
     RegResult findChild(std::int64_t parent, std::string_view name, std::int64_t* id);
     RegResult addChild(std::int64_t parent, std::string_view name, std::int64_t* id);
+    RegResult removeLeafKey(std::int64_t id);
+
+    // Values. Caller holds mutex_.
     RegResult readValue(std::int64_t keyId, const char* name, StoredValue* value);
     RegResult readValueAt(std::int64_t keyId, std::uint32_t index, StoredValue* value);
     RegResult storeValue(std::int64_t keyId, const char* name, RegType type, const std::string& bytes);
-    RegResult removeLeafKey(std::int64_t id);
-    bool keyExists(std::int64_t id);
-    HKey newHandle(std::int64_t id);
+
+    // Kept subkey lists. Caller holds mutex_.
+    // The current list of `open`'s key. `index` is the index asked for: an
+    // enumeration that goes on through the same handle is served from the
+    // list it began with, without asking the file again.
+    RegResult currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list);
+    RegResult loadChildren(std::int64_t id, std::int64_t version, const SubkeyLists::List** list);
+    // The list of key `id` when it is kept and current in this snapshot.
+    const SubkeyLists::List* currentListOf(std::int64_t id);
+    // The file's data version, read once per snapshot.
+    std::int64_t dataVersion();
+    // After a rollback that undid key creations or deletions no kept list
+    // can be trusted; one that undid only value changes leaves them valid.
+    void forgetSubkeyListsSince(std::uint64_t keyChanges);
+
+    // Statements and transactions. Caller holds mutex_.
     RegResult sqlFailure(int rc, bool whileWriting);
     bool run(const char* sql);
     // A statement failed in a way that ended a held transaction behind our
@@ -105,29 +109,7 @@ private:
     void forgetKeysAfter(std::int64_t id);
     void rollbackLocked();
 
-    // The current child list of `open`'s key. `index` is the index asked
-    // for: an enumeration that goes on through the same handle is served
-    // from the list it began with, without asking the file again.
-    RegResult currentChildren(OpenKey& open, std::uint32_t index, const ChildList** list);
-    RegResult loadChildren(std::int64_t id, std::int64_t version, const ChildList** list);
-    std::int64_t dataVersion();
-    // The list of key `id` when it is kept and current in this snapshot.
-    const ChildList* currentListOf(std::int64_t id);
-    template <typename Children>
-    static auto lowerBound(Children& children, const std::string& folded) {
-        return std::lower_bound(children.begin(), children.end(), folded,
-                                [](const Child& child, const std::string& key) { return child.folded < key; });
-    }
-    void noteChildAdded(std::int64_t parent, std::string folded, std::string_view name, std::int64_t id);
-    void noteChildRemoved(std::int64_t parent, const std::string& folded);
-    void dropChildList(std::int64_t id);
-    // After a rollback of keys created or deleted, no kept list can be
-    // trusted; one that undid only value changes leaves them all valid.
-    void forgetChildLists();
-    void forgetChildListsSince(std::uint64_t keyChanges);
-    void limitCachedNames(std::int64_t keep);
-
-    std::mutex mutex_;
+    std::mutex mutex_;  // guards everything below
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
@@ -140,8 +122,7 @@ private:
     std::int64_t snapshotVersion_ = -1;  // the file's data version in this snapshot; -1 until read
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine
-    std::unordered_map<std::int64_t, ChildList> childLists_;  // by key id
-    std::size_t cachedNames_ = 0;
+    SubkeyLists subkeyLists_;
 };
 
 }  // namespace braxcfg::platform
