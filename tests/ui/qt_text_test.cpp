@@ -7,7 +7,7 @@
 #include <QLineEdit>
 
 #include "ui/data_exchange.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::ui {
 namespace {
