@@ -99,6 +99,7 @@ private:
 
     // Statements and transactions. Caller holds mutex_.
     RegResult sqlFailure(int rc, bool whileWriting);
+    void noteFailedWrite(RegResult failure);
     bool run(const char* sql);
     // A statement failed in a way that ended a held transaction behind our
     // back; nothing more may run until the scope is closed.
@@ -113,6 +114,7 @@ private:
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
+    RegResult failedWrite_ = kErrorSuccess;  // first write that failed inside them
     struct HeldScope {
         std::int64_t highestKeyId;  // as the scope began
         std::uint64_t keyChanges;   // keyChanges_ as the scope began

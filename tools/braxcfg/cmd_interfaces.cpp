@@ -11,6 +11,7 @@
 #include "plugin.h"
 #include "store/config_store.h"
 #include "tool_text.h"
+#include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -28,8 +29,7 @@ struct InterfaceRow {
 std::vector<InterfaceRow> readInterfaces() {
     const store::ConfigStore store;
     std::vector<InterfaceRow> rows;
-    const int max = store.GetMaxIntfNum();
-    for (int n = 0; n <= max; ++n) {
+    for (const int n : *visa::existingIntfNumbers()) {
         InterfaceRow row;
         row.key = "INTF" + std::to_string(n);
         const platform::Registry key(row.key, platform::kRegOpenExisting);
@@ -109,7 +109,7 @@ int runPredicate(const Args& args, const char* exportName, bool printsResult) {
 
 const CommandRegistration kInterfaces({"interfaces", "list the store's interfaces",
                                        "usage: braxcfg interfaces [--json]\n"
-                                       "One line per INTF<n> key from INTF0 to the highest number: key, VISA name,\n"
+                                       "One line per INTF<n> key, by number: key, VISA name,\n"
                                        "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n",
                                        StoreUse::Read, runInterfaces});
 const CommandRegistration kValid({"valid", "is the interface a valid VISA interface (plug-in export)",

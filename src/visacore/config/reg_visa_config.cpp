@@ -1,9 +1,13 @@
 #include "visacore/config/reg_visa_config.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include "platform/registry.h"
+#include "platform/store.h"
 #include "platform/subkey_memo.h"
 #include "visacore/config/config_names.h"
 
@@ -15,7 +19,41 @@ using platform::Registry;
 
 constexpr std::size_t kIntfPrefixLength = 4;  // "INTF"
 
-int highestInterfaceNumber(const Registry& root) {
+char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+}  // namespace
+
+std::optional<int> intfNumberOf(const std::string& name) {
+    static constexpr char kPrefix[] = "INTF";
+    if (name.size() <= kIntfPrefixLength || name.size() > kIntfPrefixLength + 10) return std::nullopt;
+    for (std::size_t i = 0; i < kIntfPrefixLength; ++i)
+        if (asciiUpper(name[i]) != kPrefix[i]) return std::nullopt;
+    if (name[kIntfPrefixLength] == '0' && name.size() > kIntfPrefixLength + 1) return std::nullopt;
+    long long number = 0;
+    for (std::size_t i = kIntfPrefixLength; i < name.size(); ++i) {
+        if (name[i] < '0' || name[i] > '9') return std::nullopt;
+        number = number * 10 + (name[i] - '0');
+    }
+    if (number > INT32_MAX) return std::nullopt;
+    return static_cast<int>(number);
+}
+
+namespace {
+
+std::vector<int> sortedIntfNumbers(const Registry& root) {
+    std::vector<int> numbers;
+    if (!root.isOpen()) return numbers;
+    std::array<char, platform::kMaxKeyNameLength + 1> name{};
+    for (std::uint32_t index = 0;
+         platform::currentStore().enumKey(root.handle(), index, name.data(), static_cast<std::uint32_t>(name.size())) ==
+         platform::kErrorSuccess;
+         ++index)
+        if (const auto number = intfNumberOf(name.data())) numbers.push_back(*number);
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+int highestIntfNumber(const Registry& root) {
     int highest = 0;
     for (std::uint32_t index = 0;; ++index) {
         const std::string name = root.enumKey(index);
@@ -29,17 +67,23 @@ int highestInterfaceNumber(const Registry& root) {
 
 }  // namespace
 
-// The end of a configuration pass asks before every round; the answer is
-// computed again only when the product key's subkeys changed.
+// Both are asked before every round of the end of a pass; each is computed
+// again only when the product key's subkey list changed.
+std::shared_ptr<const std::vector<int>> existingIntfNumbers() {
+    static platform::SubkeyMemo<std::vector<int>> memo;
+    return memo.get(Registry("", kRegOpenExisting), sortedIntfNumbers);
+}
+
 int RegVISAConfig::getMaxIntfNum() {
     static platform::SubkeyMemo<int> memo;
-    return *memo.get(Registry("", kRegOpenExisting), highestInterfaceNumber);
+    return *memo.get(Registry("", kRegOpenExisting), highestIntfNumber);
 }
 
 RegVISAIntfConfig::RegVISAIntfConfig(RegVISAConfig* config, const char* intf) {
     if (config == nullptr || intf == nullptr) return;
     const int highest = config->getMaxIntfNum();
-    for (int n = 0; n <= highest; ++n) {
+    for (const int n : *existingIntfNumbers()) {
+        if (n > highest) break;
         std::string keyName = "INTF" + std::to_string(n);
         if (Registry(keyName, kRegOpenExisting).getString("VISAName") == intf) {
             keyName_ = std::move(keyName);
