@@ -228,6 +228,7 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
     std::string error;
     if (inspectSchema(db) == SchemaState::Empty && !createSchema(db, &error))
         return Failure{StoreOpenState::Unreadable, "cannot set up the store: " + error};
+    if (!upgradeSchema(db, &error)) return Failure{StoreOpenState::Unreadable, "cannot upgrade the store: " + error};
     return std::nullopt;
 }
 

@@ -1,5 +1,6 @@
 #include "store/interface_setup.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -27,9 +28,10 @@ char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A
 // The smallest n >= from whose key "INTF<n>" exists: the numbers between
 // have no key, so visiting them would do nothing.
 std::optional<long long> nextInterfaceNumber(long long from) {
-    for (const int number : visa::existingIntfNumbers())
-        if (number >= from) return number;
-    return std::nullopt;
+    const auto numbers = visa::existingIntfNumbers();
+    const auto next = std::lower_bound(numbers->begin(), numbers->end(), from);
+    if (next == numbers->end()) return std::nullopt;
+    return *next;
 }
 
 }  // namespace

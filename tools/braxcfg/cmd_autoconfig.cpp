@@ -10,10 +10,11 @@
 
 #include "command.h"
 #include "dialogs/done_auto_config_logic.h"
-#include "platform/regfile/cp1252.h"
+#include "platform/cp1252.h"
 #include "platform/store.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -35,7 +36,7 @@ private:
     std::vector<std::string> found_;
 };
 
-std::string utf8(const std::string& text) { return platform::regfile::cp1252ToUtf8(text); }
+std::string utf8(const std::string& text) { return platform::cp1252ToUtf8(text); }
 
 nlohmann::ordered_json jsonList(const std::vector<std::string>& names) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
@@ -45,11 +46,11 @@ nlohmann::ordered_json jsonList(const std::vector<std::string>& names) {
 
 void printText(const std::string& intf, const std::string& visaName, const dialogs::AutoConfigResult& result,
                bool dryRun) {
-    std::cout << "Known devices on " << intf << " (" << utf8(visaName) << "):\n";
-    for (const std::string& name : result.knownDevices) std::cout << "  " << utf8(name) << "\n";
+    std::cout << "Known devices on " << forStdout(intf) << " (" << forStdout(visaName) << "):\n";
+    for (const std::string& name : result.knownDevices) std::cout << "  " << forStdout(name) << "\n";
     if (result.knownDevices.empty()) std::cout << "  none\n";
     std::cout << (dryRun ? "New devices (not written, --dry-run):\n" : "New devices:\n");
-    for (const std::string& name : result.newDevices) std::cout << "  " << utf8(name) << "\n";
+    for (const std::string& name : result.newDevices) std::cout << "  " << forStdout(name) << "\n";
     if (result.newDevices.empty()) std::cout << "  none\n";
 }
 
@@ -76,7 +77,7 @@ int runAutoconfig(const Args& args) {
     report.showMessage = [&messages](const std::string& text) { messages.push_back(text); };
     // A long search shows that it is still going, one line per device.
     if (isatty(STDERR_FILENO))
-        report.newDeviceFound = [](const std::string& name) { std::cerr << "found " << utf8(name) << std::endl; };
+        report.newDeviceFound = [](const std::string& name) { std::cerr << "found " << forStderr(name) << std::endl; };
     const dialogs::AutoConfigResult result = dialogs::runAutoConfigSearch(intf, visaName, devices, report);
 
     if (hasOption(split, "--json")) {
@@ -90,7 +91,7 @@ int runAutoconfig(const Args& args) {
     } else {
         printText(intf, visaName, result, dryRun);
     }
-    for (const std::string& message : messages) std::cerr << "braxcfg: " << utf8(message) << "\n";
+    for (const std::string& message : messages) std::cerr << "braxcfg: " << forStderr(message) << "\n";
     return messages.empty() ? 0 : kExitError;
 }
 

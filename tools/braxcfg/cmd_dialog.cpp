@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "command.h"
+#include "tool_text.h"
 #include "dialogs/config_choice.h"
 #include "dialogs/done_auto_config.h"
 #include "dialogs/new_device.h"
@@ -172,12 +173,15 @@ int prepareInterface(const std::string& intf) {
 int runDialog(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--host", "--device", "--alias", "--screenshot"}, split, error)) return fail(error);
-    if (split.operands.empty()) return fail("expected one dialog: new-device, choice, ready, devices, autoconfig, tcpip or tcpip-resource");
+    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--host", "--device", "--alias", "--screenshot"}, split,
+                   error, {{"--screenshot"}}))
+        return fail(error);
+    if (split.operands.empty())
+        return fail("expected one dialog: new-device, choice, ready, devices, autoconfig, tcpip or tcpip-resource");
     const DialogKind* kind = nullptr;
     for (const DialogKind& candidate : kDialogs)
         if (split.operands[0] == candidate.name) kind = &candidate;
-    if (kind == nullptr) return fail("unknown dialog '" + split.operands[0] + "'");
+    if (kind == nullptr) return fail("unknown dialog '" + forStderr(split.operands[0]) + "'");
     DialogInput input;
     input.list = hasOption(split, "--list");
     input.split = &split;
@@ -210,7 +214,7 @@ int runDialog(const Args& args) {
     }
     const Outcome outcome = kind->open(input);
     if (!outcome.error.empty()) return fail(outcome.error);
-    std::cout << outcome.printed;
+    std::cout << forStdout(outcome.printed, "\n");
     return outcome.result == ui::kIdOk ? 0 : kExitCancel;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/store.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "tool_text.h"
 #include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
@@ -28,7 +29,7 @@ struct InterfaceRow {
 std::vector<InterfaceRow> readInterfaces() {
     const store::ConfigStore store;
     std::vector<InterfaceRow> rows;
-    for (const int n : visa::existingIntfNumbers()) {
+    for (const int n : *visa::existingIntfNumbers()) {
         InterfaceRow row;
         row.key = "INTF" + std::to_string(n);
         const platform::Registry key(row.key, platform::kRegOpenExisting);
@@ -42,23 +43,6 @@ std::vector<InterfaceRow> readInterfaces() {
         rows.push_back(row);
     }
     return rows;
-}
-
-std::string jsonString(const std::string& text) {
-    std::string out = "\"";
-    for (unsigned char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out + "\"";
 }
 
 void printJson(const std::vector<InterfaceRow>& rows) {
@@ -82,10 +66,12 @@ void printTable(const std::vector<InterfaceRow>& rows) {
     }
     std::printf("%-8s %-12s %-9s %-10s %-10s %s\n", "KEY", "VISANAME", "TYPE", "SETUP", "AUTOCONFIG", "DEVICES");
     for (const InterfaceRow& row : rows) {
-        std::printf("%-8s %-12s %-9s %-10s %-10s %u\n", row.key.c_str(), row.visaName.c_str(), row.typeWord.c_str(),
-                    row.setUp ? "set-up" : "not-set-up",
-                    row.hasAutoConfig ? std::to_string(row.autoConfig).c_str() : "-", row.devices);
+        std::cout << padded(forStdout(row.key), 8) << " " << padded(forStdout(row.visaName), 12) << " "
+                  << padded(forStdout(row.typeWord), 9) << " " << padded(row.setUp ? "set-up" : "not-set-up", 10)
+                  << " " << padded(row.hasAutoConfig ? std::to_string(row.autoConfig) : "-", 10) << " "
+                  << row.devices << "\n";
     }
+    std::cout.flush();
 }
 
 int runInterfaces(const Args& args) {

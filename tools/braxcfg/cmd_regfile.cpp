@@ -12,6 +12,7 @@
 #include "platform/regfile/reg_export.h"
 #include "platform/regfile/reg_import.h"
 #include "platform/store.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -73,24 +74,24 @@ bool writeWholeFile(const std::string& path, const std::string& bytes, std::stri
 int runImport(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+    if (!splitArgs(args, {}, {}, split, error, {{}, true})) return fail(error);
     if (split.operands.size() != 1) return fail("import needs exactly one FILE");
     const std::string& path = split.operands[0];
     std::string bytes;
     if (!readWholeFile(path, bytes, error)) return fail(error);
     if (const auto problem = platform::regfile::importRegFile(platform::currentStore(), bytes))
-        return fail(path + ": " + platform::regfile::describe(*problem) + "; nothing was imported");
+        return fail(path + ": " + forStderr(platform::regfile::describe(*problem)) + "; nothing was imported");
     return 0;
 }
 
 int runExport(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {"--utf8"}, {"--key"}, split, error)) return fail(error);
+    if (!splitArgs(args, {"--utf8"}, {"--key"}, split, error, {{}, true})) return fail(error);
     if (split.operands.size() > 1) return fail("export takes at most one FILE");
     const RegTextEncoding encoding = hasOption(split, "--utf8") ? RegTextEncoding::Utf8 : RegTextEncoding::Utf16;
     const auto result = platform::regfile::exportRegFile(platform::currentStore(), optionValue(split, "--key"), encoding);
-    if (result.error) return fail(*result.error);
+    if (result.error) return fail(forStderr(*result.error));
     if (split.operands.empty()) {
         std::cout.write(result.bytes.data(), static_cast<std::streamsize>(result.bytes.size()));
         std::cout.flush();

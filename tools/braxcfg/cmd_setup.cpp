@@ -40,7 +40,7 @@ int checkWritten(const std::vector<std::string>& intfs) {
 std::vector<std::string> passInterfaces() {
     const int max = store::ConfigStore().GetMaxIntfNum();
     std::vector<std::string> intfs;
-    for (const int n : visa::existingIntfNumbers())
+    for (const int n : *visa::existingIntfNumbers())
         if (n <= max) intfs.push_back("INTF" + std::to_string(n));
     return intfs;
 }

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "platform/store.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -16,6 +17,16 @@ std::vector<Command>& table() {
 
 bool contains(const std::vector<std::string>& list, const std::string& word) {
     return std::find(list.begin(), list.end(), word) != list.end();
+}
+
+// An argument as the command sees it: system text unless it names a file.
+bool take(const std::string& word, bool isPath, std::vector<std::string>& into, std::string& error) {
+    into.emplace_back();
+    if (isPath) {
+        into.back() = word;
+        return true;
+    }
+    return toSystemText(word, into.back(), error);
 }
 
 }  // namespace
@@ -48,13 +59,13 @@ int fail(const std::string& message) {
 }
 
 bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
-               SplitArgs& out, std::string& error) {
+               SplitArgs& out, std::string& error, const PathArgs& paths) {
     out = {};
     bool optionsEnded = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& word = args[i];
         if (optionsEnded || word.size() < 2 || word[0] != '-') {
-            out.operands.push_back(word);
+            if (!take(word, paths.operands, out.operands, error)) return false;
         } else if (word == "--") {
             optionsEnded = true;
         } else if (contains(flags, word)) {
@@ -65,7 +76,7 @@ bool splitArgs(const Args& args, const std::vector<std::string>& flags, const st
                 return false;
             }
             out.options.push_back(word);
-            out.options.push_back(args[++i]);
+            if (!take(args[++i], contains(paths.options, word), out.options, error)) return false;
         } else {
             error = "unknown option " + word;
             return false;

@@ -48,11 +48,20 @@ struct SplitArgs {
     std::vector<std::string> operands;  // everything else, in order
 };
 
+// Arguments that name files: they stay as the system gave them, while every
+// other operand and option value becomes system text (cp1252, see
+// tool_text.h).
+struct PathArgs {
+    std::vector<std::string> options;  // options whose value is a path
+    bool operands = false;             // the operands are paths
+};
+
 // Separates options from operands. `valued` lists the options that take a
-// value ("--key"); their value is the next word. Unknown options are an
-// error, reported through `error`.
+// value ("--key"); their value is the next word. Unknown options, and an
+// argument that cannot be system text, are an error reported through
+// `error`.
 bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
-               SplitArgs& out, std::string& error);
+               SplitArgs& out, std::string& error, const PathArgs& paths = {});
 // The value of a valued option, or empty/false when absent.
 std::string optionValue(const SplitArgs& split, const std::string& name);
 bool hasOption(const SplitArgs& split, const std::string& name);

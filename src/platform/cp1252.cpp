@@ -1,11 +1,23 @@
-#include "platform/regfile/unicode_decode.h"
+#include "platform/cp1252.h"
 
 #include <cstdio>
 
-#include "platform/regfile/cp1252.h"
-
-namespace braxcfg::platform::regfile {
+namespace braxcfg::platform {
 namespace {
+
+void appendUtf8(std::string& out, char32_t cp) {
+    if (cp < 0x80) {
+        out += static_cast<char>(cp);
+    } else if (cp < 0x800) {
+        out += static_cast<char>(0xC0 | (cp >> 6));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    } else {
+        // Every cp1252 character lies in the BMP.
+        out += static_cast<char>(0xE0 | (cp >> 12));
+        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    }
+}
 
 bool isHighSurrogate(char32_t u) { return u >= 0xD800 && u < 0xDC00; }
 bool isLowSurrogate(char32_t u) { return u >= 0xDC00 && u < 0xE000; }
@@ -59,6 +71,32 @@ std::optional<char32_t> nextUtf8(std::string_view bytes, std::size_t& pos) {
 
 }  // namespace
 
+std::optional<unsigned char> unicodeToCp1252(char32_t codePoint) {
+    if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF))
+        return static_cast<unsigned char>(codePoint);
+    for (std::size_t i = 0; i < cp1252_detail::kHigh.size(); ++i)
+        if (cp1252_detail::kHigh[i] == codePoint) return static_cast<unsigned char>(0x80 + i);
+    return std::nullopt;
+}
+
+std::string cp1252ToUtf16Le(std::string_view narrow) {
+    std::string out;
+    out.reserve(narrow.size() * 2);
+    for (const char c : narrow) {
+        const char32_t cp = cp1252ToUnicode(static_cast<unsigned char>(c));
+        out += static_cast<char>(cp & 0xFF);
+        out += static_cast<char>(cp >> 8);
+    }
+    return out;
+}
+
+std::string cp1252ToUtf8(std::string_view narrow) {
+    std::string out;
+    out.reserve(narrow.size());
+    for (const char c : narrow) appendUtf8(out, cp1252ToUnicode(static_cast<unsigned char>(c)));
+    return out;
+}
+
 std::optional<char32_t> nextCodePoint(std::string_view bytes, std::size_t& pos, UnicodeForm form) {
     if (pos >= bytes.size()) return std::nullopt;
     return form == UnicodeForm::Utf16Le ? nextUtf16(bytes, pos) : nextUtf8(bytes, pos);
@@ -79,4 +117,4 @@ std::optional<std::string> appendNarrow(std::string_view bytes, UnicodeForm form
     return std::nullopt;
 }
 
-}  // namespace braxcfg::platform::regfile
+}  // namespace braxcfg::platform
