@@ -78,7 +78,7 @@ int ConfigStore::IsVisaIntfSetup(const std::string& intf) const {
 void ConfigStore::SetupIntfEntries(const std::string& intf, int autoConfig) const {
     platform::StoreTransaction transaction;
     Registry key(intf, kRegOpenExisting);
-    if (key.valueExists("VISAAutoConfigDriver")) return;
+    if (!key.isOpen() || key.valueExists("VISAAutoConfigDriver")) return;
     key.setString("VISAAutoConfigDriver", "AUTOCF");
     key.setBool("VISAAutoConfig", autoConfig != 0);
     Registry devices(key.handle(), "VISADev", kRegOpenOrCreate);

@@ -72,9 +72,11 @@ void configureAtRunTime(const ConfigStore& store, const std::string& intf) { sto
 
 void setupVisaIntf(const ConfigStore& store, const std::string& intf) {
     store.WriteVisaInfoDefaults();
-    // An interface without a VISA name is no interface to set up, whatever
-    // type it claims; one already set up keeps its choice.
-    if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return;
+    // One already set up keeps its choice. Validity is not asked: a key with
+    // a known type but no VISA name is set up as its type says (its interface
+    // resources then start with "::"); SetupIntfEntries itself refuses a
+    // second set-up of such a key, since the validity test hides it here.
+    if (store.IsVisaIntfSetup(intf)) return;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
         case kIntfGpib:
