@@ -7,6 +7,7 @@
 // Failures are silent: a missing key reads as empty/false/0 and writes to
 // it are skipped. Interfaces are named by their key name, "INTF<n>".
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace braxcfg::store {
@@ -21,6 +22,15 @@ inline constexpr std::uint16_t kIntfPxi = 5;
 inline constexpr std::uint16_t kIntfTcpip = 6;
 inline constexpr std::uint16_t kIntfUsb = 7;
 inline constexpr std::uint16_t kIntfRsib = 0x800E;
+
+// A "VISAIntfType" word with its type code.
+struct IntfTypeWord {
+    const char* word;
+    std::uint16_t code;
+};
+// Every word the store knows, in the order GetIntfType compares them
+// (case-sensitively).
+std::span<const IntfTypeWord> intfTypeWords();
 
 class ConfigStore {
 public:

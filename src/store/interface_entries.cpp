@@ -11,19 +11,14 @@ using platform::kRegOpenExisting;
 using platform::kRegOpenOrCreate;
 using platform::Registry;
 
-struct TypeWord {
-    const char* word;
-    std::uint16_t code;
-};
-
 // Compared in this order, case-sensitively.
-constexpr TypeWord kTypeWords[] = {
+constexpr IntfTypeWord kTypeWords[] = {
     {"ASRL", kIntfAsrl}, {"VXI", kIntfVxi},   {"GPIB-VXI", kIntfGpibVxi}, {"GPIB", kIntfGpib},
     {"TCPIP", kIntfTcpip}, {"USB", kIntfUsb}, {"RSIB", kIntfRsib},       {"PXI", kIntfPxi},
 };
 
 std::uint16_t codeOfTypeWord(const std::string& word) {
-    for (const TypeWord& entry : kTypeWords)
+    for (const IntfTypeWord& entry : kTypeWords)
         if (word == entry.word) return entry.code;
     return kIntfUnknown;
 }
@@ -49,6 +44,8 @@ void createInterfaceResources(const Registry& intfKey) {
 }
 
 }  // namespace
+
+std::span<const IntfTypeWord> intfTypeWords() { return kTypeWords; }
 
 std::string ConfigStore::GetVisaName(const std::string& intf) const {
     return Registry(intf, kRegOpenExisting).getString("VISAName");
