@@ -4,8 +4,10 @@
 #include <iostream>
 
 #include "command.h"
+#include "config_window_logic.h"
 #include "entry/braxcfg_app.h"
 #include "interface_keys.h"
+#include "platform/registry.h"
 #include "plugin.h"
 #include "store/config_store.h"
 #include "ui/host_owner.h"
@@ -45,17 +47,12 @@ int runEdit(const Args& args) {
     return 0;
 }
 
-// Interfaces whose devices sit at addresses on a bus that can be searched.
-bool isAddressBased(std::uint16_t type) {
-    return type == store::kIntfGpib || type == store::kIntfVxi || type == store::kIntfGpibVxi;
-}
-
 int runConfigure(const Args& args) {
     std::string intf;
     if (const auto refused = takeInterface(args, "configure", intf)) return *refused;
     // The choice flow has no export: the tool runs the plug-in's own code.
     entry::CBraxcfgApp app;
-    if (!isAddressBased(app.GetIntfType(intf))) {
+    if (!isAddressBased(platform::Registry(intf, platform::kRegOpenExisting).getString("VISAIntfType"))) {
         std::cerr << "braxcfg: " << intf << " is not a GPIB, VXI or GPIB-VXI interface; 'braxcfg edit " << intf
                   << "' edits its devices\n";
         return kExitNegative;

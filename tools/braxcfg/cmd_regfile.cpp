@@ -1,15 +1,10 @@
 // import FILE: merges a .reg file into the store, all or nothing.
 // export [--key PATH] [--utf8] [FILE]: writes the store as .reg text.
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <sstream>
 
 #include "command.h"
+#include "reg_files.h"
 #include "platform/regfile/reg_export.h"
-#include "platform/regfile/reg_import.h"
 #include "platform/store.h"
 
 namespace braxcfg::tool {
@@ -17,43 +12,12 @@ namespace {
 
 using platform::regfile::RegTextEncoding;
 
-bool readWholeFile(const std::string& path, std::string& bytes, std::string& error) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot read " + path + ": " + std::strerror(errno);
-        return false;
-    }
-    std::ostringstream content;
-    content << in.rdbuf();
-    if (in.bad()) {
-        error = "cannot read " + path;
-        return false;
-    }
-    bytes = std::move(content).str();
-    return true;
-}
-
-bool writeWholeFile(const std::string& path, const std::string& bytes, std::string& error) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (out) out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (out) out.close();
-    if (!out) {
-        error = "cannot write " + path + ": " + std::strerror(errno);
-        return false;
-    }
-    return true;
-}
-
 int runImport(const Args& args) {
     SplitArgs split;
     std::string error;
     if (!splitArgs(args, {}, {}, split, error)) return fail(error);
     if (split.operands.size() != 1) return fail("import needs exactly one FILE");
-    const std::string& path = split.operands[0];
-    std::string bytes;
-    if (!readWholeFile(path, bytes, error)) return fail(error);
-    if (const auto problem = platform::regfile::importRegFile(platform::currentStore(), bytes))
-        return fail(path + ": " + platform::regfile::describe(*problem) + "; nothing was imported");
+    if (const std::string failure = importRegFileFrom(split.operands[0]); !failure.empty()) return fail(failure);
     return 0;
 }
 

@@ -6,6 +6,7 @@
 
 #include "command.h"
 #include "platform/store.h"
+#include "ui/host_owner.h"
 
 namespace {
 
@@ -70,6 +71,8 @@ int main(int argc, char** argv) {
         // The plug-in the tool loads reads the same store.
         setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
     }
+    // Without a command a person gets the configuration window, when one can be shown.
+    if (args.empty() && braxcfg::ui::displayAvailable()) args.emplace_back("gui");
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printOverview(std::cout);
         return args.empty() ? braxcfg::tool::kExitError : 0;
