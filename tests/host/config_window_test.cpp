@@ -26,6 +26,7 @@
 #include "store_builder.h"
 #include "tree_text.h"
 #include "ui/message_box.h"
+#include "ui/modal.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -187,7 +188,13 @@ TEST_F(ConfigWindowTest, ConfigureCarriesOutTheChoiceHoweverTheDialogCloses) {
         ASSERT_TRUE(window->configureAction()->isEnabled());
         ModalScript script;
         c.script(script);
+        // Every choice dialog is owned by the window, through its native handle.
+        const ui::ModalHandler scripted = ui::setModalHandler([&](QDialog& dialog) {
+            EXPECT_NE(dialog.parentWidget(), nullptr) << dialog.metaObject()->className();
+            return scripted(dialog);
+        });
         window->configureAction()->trigger();
+        ui::setModalHandler(scripted);
         EXPECT_EQ(test::problems(script), "");
         EXPECT_EQ(valueOf("INTF3", "VISAAutoConfigDriver"), "AUTOCF");
         EXPECT_EQ(platform::Registry("INTF3", platform::kRegOpenExisting).getBool("VISAAutoConfig"),
