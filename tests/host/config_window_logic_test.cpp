@@ -17,24 +17,27 @@ InterfaceRow row(const char* visaName, const char* type, std::vector<std::string
 TEST(ConfigWindowLogic, ActionsFollowTheSelectionTheTypeAndTheStore) {
     const InterfaceRow gpib = row("GPIB0", "GPIB"), gpibVxi = row("GPIB-VXI0", "GPIB-VXI"), tcpip = row("TCPIP0", "TCPIP"),
                        noName = row("", "GPIB"), lowerCase = row("GPIB1", "gpib");
+    InterfaceRow setUpGpib = gpib;
+    setUpGpib.setUp = true;
     const struct {
         const InterfaceRow* selected;
         bool editable, writable;
-        bool edit, configure, add, remove, import;
+        bool setUp, edit, configure, add, remove, import;
     } cases[] = {
-        {nullptr, false, true, false, false, true, false, true},
-        {&gpib, true, true, true, true, true, true, true},
-        {&gpibVxi, false, true, false, true, true, true, true},  // the plug-in's answer decides Edit
-        {&tcpip, true, true, true, false, true, true, true},     // LAN resources are not searched
-        {&noName, false, true, false, false, true, true, true},  // invalid: nothing to configure
-        {&lowerCase, false, true, false, false, true, true, true},
-        {&gpib, true, false, false, false, false, false, false},  // a read-only store changes nothing
+        {nullptr, false, true, false, false, false, true, false, true},
+        {&gpib, true, true, true, true, true, true, true, true},
+        {&setUpGpib, true, true, false, true, true, true, true, true},  // set up once only
+        {&gpibVxi, false, true, true, false, true, true, true, true},   // the plug-in's answer decides Edit
+        {&tcpip, true, true, true, true, false, true, true, true},      // LAN resources are not searched
+        {&noName, false, true, true, false, false, true, true, true},   // invalid: nothing to configure
+        {&lowerCase, false, true, true, false, false, true, true, true},
+        {&gpib, true, false, false, false, false, false, false, false},  // a read-only store changes nothing
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "row " << (&c - cases));
         const WindowActions a = windowActions(c.selected, c.editable, c.writable);
-        EXPECT_EQ((std::vector<bool>{a.edit, a.configure, a.add, a.remove, a.import}),
-                  (std::vector<bool>{c.edit, c.configure, c.add, c.remove, c.import}));
+        EXPECT_EQ((std::vector<bool>{a.setUp, a.edit, a.configure, a.add, a.remove, a.import}),
+                  (std::vector<bool>{c.setUp, c.edit, c.configure, c.add, c.remove, c.import}));
     }
 }
 
@@ -50,6 +53,11 @@ TEST(ConfigWindowLogic, RowTextsAndTheQuestionBeforeARemoval) {
     EXPECT_EQ(removeQuestion(row("", "GPIB")), "Remove the interface INTF4 from the store?");
     EXPECT_EQ(storeStatusLine("/tmp/s.db", false), "Store: /tmp/s.db (read-only: changes are refused)");
     EXPECT_TRUE(socketAllowed("TCPIP"));
+    EXPECT_TRUE(canShowWindows(nullptr, ":0", nullptr));
+    EXPECT_TRUE(canShowWindows("xcb", "", "wayland-0"));
+    EXPECT_FALSE(canShowWindows("offscreen", ":0", nullptr));  // draws nowhere: the overview instead
+    EXPECT_FALSE(canShowWindows("minimal", ":0", nullptr));
+    EXPECT_FALSE(canShowWindows(nullptr, "", nullptr));
     EXPECT_FALSE(socketAllowed("GPIB"));
 }
 

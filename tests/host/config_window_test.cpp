@@ -209,6 +209,9 @@ TEST_F(ConfigWindowTest, EditAsThePluginAllowsAndClosingEndsThePass) {
     auto window = openWindow("INTF0");
     EXPECT_FALSE(window->editAction()->isEnabled());
     EXPECT_FALSE(window->configureAction()->isEnabled());
+    window->setUpAction()->trigger();  // the plug-in: serial, without a profile, devices kept in the store
+    EXPECT_EQ(valueOf("INTF0", "VISAAutoConfigDriver"), "AUTOCF");
+    EXPECT_FALSE(window->setUpAction()->isEnabled());
     window->selectInterface("INTF2");
     EXPECT_FALSE(window->editAction()->isEnabled());
     window->selectInterface("INTF1");

@@ -49,6 +49,7 @@ ConfigWindow::ConfigWindow(Plugin& plugin, QWidget* parent) : QMainWindow(parent
         connect(action, &QAction::triggered, this, handler);
         return action;
     };
+    setUp_ = makeAction("&Set up", QKeySequence(Qt::CTRL | Qt::Key_U), &ConfigWindow::onSetUp);
     edit_ = makeAction("&Edit devices...", QKeySequence(Qt::CTRL | Qt::Key_E), &ConfigWindow::onEdit);
     configure_ = makeAction("&Configure...", QKeySequence(Qt::CTRL | Qt::Key_G), &ConfigWindow::onConfigure);
     add_ = makeAction("&Add interface...", QKeySequence(Qt::CTRL | Qt::Key_N), &ConfigWindow::onAdd);
@@ -64,10 +65,10 @@ ConfigWindow::ConfigWindow(Plugin& plugin, QWidget* parent) : QMainWindow(parent
     file->addActions({import_, export_, refresh_});
     file->addSeparator();
     file->addAction(quit);
-    menuBar()->addMenu(QStringLiteral("&Interface"))->addActions({add_, edit_, configure_, remove_});
+    menuBar()->addMenu(QStringLiteral("&Interface"))->addActions({add_, setUp_, edit_, configure_, remove_});
     QToolBar* tools = addToolBar(QStringLiteral("Actions"));
     tools->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    tools->addActions({add_, edit_, configure_, remove_});
+    tools->addActions({add_, setUp_, edit_, configure_, remove_});
     tools->addSeparator();
     tools->addActions({import_, export_, refresh_});
 
@@ -128,6 +129,7 @@ void ConfigWindow::applyControls() {
     auto* editable = plugin_.get<int(const char*)>("isVisaIntfEditable");
     const bool canEdit = row != nullptr && editable != nullptr && editable(row->key.c_str()) != 0;
     const WindowActions actions = windowActions(row, canEdit, platform::currentStoreStatus().writable);
+    setUp_->setEnabled(actions.setUp);
     edit_->setEnabled(actions.edit);
     configure_->setEnabled(actions.configure);
     add_->setEnabled(actions.add);
@@ -148,6 +150,14 @@ void ConfigWindow::runLong(const std::string& what, const std::function<void()>&
 
 void ConfigWindow::showError(const std::string& text) {
     ui::messageBox(this, text, "braxcfg", ui::MessageIcon::Exclamation);
+}
+
+void ConfigWindow::onSetUp() {
+    const InterfaceRow* row = selectedRow();
+    auto* setup = plugin_.get<void(HWND, const char*)>("setupVisaIntf");
+    if (row == nullptr || setup == nullptr) return;
+    setup(nativeHandle(), row->key.c_str());
+    refresh();
 }
 
 void ConfigWindow::onEdit() {

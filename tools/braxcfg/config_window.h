@@ -1,8 +1,8 @@
 #pragma once
 // The configuration tool's main window: the store's interfaces with their
 // devices, and the actions a configuration tool offers around the plug-in.
-// The plug-in's own work goes through its exports (Edit, the set-up of a
-// new interface, the end of a pass when the window closes); the choice
+// The plug-in's own work goes through its exports (Set up, Edit, the
+// set-up of a new interface, the end of a pass when the window closes); the choice
 // flow, which has no export, runs the plug-in's code linked into the tool.
 #include <QMainWindow>
 #include <memory>
@@ -30,6 +30,7 @@ public:
     // Selects the row of `key` (tests, and after an addition).
     void selectInterface(const std::string& key);
 
+    QAction* setUpAction() const { return setUp_; }
     QAction* editAction() const { return edit_; }
     QAction* configureAction() const { return configure_; }
     QAction* addAction() const { return add_; }
@@ -43,6 +44,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void onSetUp();
     void onEdit();
     void onConfigure();
     void onAdd();
@@ -59,6 +61,7 @@ private:
     Plugin& plugin_;
     std::vector<InterfaceRow> rows_;
     QTreeWidget* table_ = nullptr;
+    QAction* setUp_ = nullptr;
     QAction* edit_ = nullptr;
     QAction* configure_ = nullptr;
     QAction* add_ = nullptr;

@@ -22,6 +22,7 @@ bool isAddressBased(const std::string& typeWord);
 // The actions that change the store; exporting and reading again are
 // always there.
 struct WindowActions {
+    bool setUp = false;      // the plug-in's silent set-up, for a key not set up yet
     bool edit = false;       // the plug-in's device list
     bool configure = false;  // the configuration choice
     bool add = false;
@@ -38,6 +39,11 @@ WindowActions windowActions(const InterfaceRow* selected, bool editable, bool wr
 bool socketAllowed(const std::string& typeWord);
 
 std::string removeQuestion(const InterfaceRow& row);
+
+// Whether a person can see a window: a display to connect to, and no Qt
+// platform that draws nowhere. The arguments are the values of
+// QT_QPA_PLATFORM, DISPLAY and WAYLAND_DISPLAY (null when unset).
+bool canShowWindows(const char* qpaPlatform, const char* display, const char* waylandDisplay);
 
 // Which store is open, and whether this user may change it.
 std::string storeStatusLine(const std::string& path, bool writable);
