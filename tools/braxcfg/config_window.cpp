@@ -152,21 +152,17 @@ void ConfigWindow::showError(const std::string& text) {
     ui::messageBox(this, text, "braxcfg", ui::MessageIcon::Exclamation);
 }
 
-void ConfigWindow::onSetUp() {
+void ConfigWindow::callOnSelected(const char* exportName) {
     const InterfaceRow* row = selectedRow();
-    auto* setup = plugin_.get<void(HWND, const char*)>("setupVisaIntf");
-    if (row == nullptr || setup == nullptr) return;
-    setup(nativeHandle(), row->key.c_str());
+    auto* call = plugin_.get<void(HWND, const char*)>(exportName);
+    if (row == nullptr || call == nullptr) return;
+    call(nativeHandle(), row->key.c_str());
     refresh();
 }
 
-void ConfigWindow::onEdit() {
-    const InterfaceRow* row = selectedRow();
-    auto* edit = plugin_.get<void(HWND, const char*)>("editVisaIntf");
-    if (row == nullptr || edit == nullptr) return;
-    edit(nativeHandle(), row->key.c_str());
-    refresh();
-}
+void ConfigWindow::onSetUp() { callOnSelected("setupVisaIntf"); }
+
+void ConfigWindow::onEdit() { callOnSelected("editVisaIntf"); }
 
 void ConfigWindow::onConfigure() {
     const InterfaceRow* row = selectedRow();

@@ -44,6 +44,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // The plug-in's export `exportName` (window, interface key) on the
+    // selected interface; the store is read again afterwards.
+    void callOnSelected(const char* exportName);
     void onSetUp();
     void onEdit();
     void onConfigure();
