@@ -21,6 +21,7 @@
 #include "dialog_test_support.h"
 #include "dialogs/config_choice.h"
 #include "dialogs/ready_auto_config.h"
+#include "plugin_store.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store_builder.h"
@@ -40,30 +41,17 @@ const char* const kChoiceRadios[] = {"&Identify all known devices once now (reco
                                      "&Automatically identify all known devices at run time.",
                                      "&Manually configure devices on this interface."};
 
-// One store and one plug-in for the program: the plug-in opens the store
-// named by BRAXCFG_STORE once, as it does in a host. Each test starts with
-// no interfaces.
 class ConfigWindowTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        store_ = new test::TempStore();
-        setenv("BRAXCFG_STORE", store_->path().c_str(), 1);
-        plugin_ = new Plugin();
-        test::putDword(test::underProduct(), "LinkbaseVisaPresent", 1);
-    }
-    static void TearDownTestSuite() {
-        delete plugin_;
-        delete store_;
-    }
     void SetUp() override {
-        ASSERT_TRUE(plugin_->loaded()) << plugin_->error();
-        for (const std::string& key : platform::Registry("", platform::kRegOpenExisting).subkeyNames())
-            if (key.starts_with("INTF")) putTree("[-" + key + "]\n");
+        ASSERT_TRUE(plugin().loaded()) << plugin().error();
+        test::clearInterfaces();
     }
+    static Plugin& plugin() { return test::pluginStore().plugin; }
 
     // The window opened on the store as it is now, with `key` selected.
     std::unique_ptr<ConfigWindow> openWindow(const std::string& key = "") {
-        auto window = std::make_unique<ConfigWindow>(*plugin_);
+        auto window = std::make_unique<ConfigWindow>(plugin());
         window->show();
         window->selectInterface(key);
         return window;
@@ -73,12 +61,7 @@ protected:
         return platform::Registry(key, platform::kRegOpenExisting).getString(name);
     }
 
-    static test::TempStore* store_;
-    static Plugin* plugin_;
 };
-
-test::TempStore* ConfigWindowTest::store_ = nullptr;
-Plugin* ConfigWindowTest::plugin_ = nullptr;
 
 TEST_F(ConfigWindowTest, AddInterfaceCreatesTheKeyAndSetsItUpThroughThePlugin) {
     putTree("[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n");
@@ -216,7 +199,7 @@ TEST_F(ConfigWindowTest, EditAsThePluginAllowsAndClosingEndsThePass) {
     EXPECT_FALSE(window->editAction()->isEnabled());
     window->selectInterface("INTF1");
     EXPECT_TRUE(window->editAction()->isEnabled());
-    EXPECT_NE(ui::toStdString(window->statusBar()->findChild<QLabel*>()->text()).find(store_->path()),
+    EXPECT_NE(ui::toStdString(window->statusBar()->findChild<QLabel*>()->text()).find(test::pluginStore().store.path()),
               std::string::npos);
     test::screenshot(*window, "config_window");
     window->close();
