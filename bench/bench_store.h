@@ -1,36 +1,30 @@
 #pragma once
 // A fresh store file below the temporary folder, opened as the process's
-// store for one benchmark and removed afterwards.
+// store for one benchmark and removed afterwards with its side files.
 #include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
 #include "platform/store.h"
+#include "store_files.h"
 
 namespace braxcfg::bench {
 
 class BenchStore {
 public:
-    explicit BenchStore(const std::string& name = "bench") {
-        path_ = (std::filesystem::temp_directory_path() /
-                 ("braxcfg-" + name + "-" + std::to_string(::getpid()) + ".db"))
-                    .string();
-        removeFiles();
-        platform::openStore(path_);
+    explicit BenchStore(const std::string& name = "bench")
+        : files_((std::filesystem::temp_directory_path() /
+                  ("braxcfg-" + name + "-" + std::to_string(::getpid()) + ".db"))
+                     .string()) {
+        platform::openStore(files_.path());
     }
-    ~BenchStore() {
-        platform::closeStore();
-        removeFiles();
-    }
+    ~BenchStore() { platform::closeStore(); }
     BenchStore(const BenchStore&) = delete;
     BenchStore& operator=(const BenchStore&) = delete;
 
 private:
-    void removeFiles() const {
-        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-    }
-    std::string path_;
+    test::ScratchStoreFiles files_;
 };
 
 }  // namespace braxcfg::bench

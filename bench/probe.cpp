@@ -6,7 +6,7 @@
 
 #include "fake_servers.h"
 #include "tcpip/resource_test.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "visacore/lan/lan_probe.h"
 #include "visacore/visa_api.h"
 

@@ -2,22 +2,21 @@
 
 #include "platform/product_settings.h"
 #include "store/interface_setup.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::entry {
 
 CBraxcfgApp::CBraxcfgApp() : m_bNoEdit(0) {}
-
-CBraxcfgApp::~CBraxcfgApp() = default;
 
 int CBraxcfgApp::IsVisaIntfEditable(const std::string& intf) const {
     if (platform::visaPresent() == 0) return 0;
     if (m_bNoEdit != 0) return 0;
     if (!IsValidVisaIntf(intf)) return 0;
     switch (GetIntfType(intf)) {
-        case store::kIntfGpib:
-        case store::kIntfVxi:
-        case store::kIntfGpibVxi:
-        case store::kIntfTcpip:
+        case visa::VI_INTF_GPIB:
+        case visa::VI_INTF_VXI:
+        case visa::VI_INTF_GPIB_VXI:
+        case visa::VI_INTF_TCPIP:
             return 1;
         default:
             return 0;

@@ -12,7 +12,6 @@ namespace braxcfg::entry {
 class CBraxcfgApp : public store::ConfigStore {
 public:
     CBraxcfgApp();
-    ~CBraxcfgApp() override;
 
     // Non-zero: no interface is editable. Nothing in the plug-in sets it.
     int m_bNoEdit;

@@ -5,118 +5,18 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 
+#include "platform/open_key.h"
+#include "platform/per_store_cache.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 
 namespace braxcfg::platform {
 namespace {
 
-constexpr const char* kLegacyProductPath = "SOFTWARE\\Brask-Merrow\\KORL";
-constexpr const char* kProductWordsPath = "SOFTWARE\\Tolvane\\Linkbase";
-constexpr std::uint32_t kWordBytes = 1024;
 constexpr std::uint32_t kFlagBytes = 16;
 constexpr std::uint32_t kBaseDirBytes = 1024;
 constexpr std::uint32_t kListTextBytes = 256;
-
-// A value cached for the life of one store: a new store (another file, or
-// the same file opened anew) reads it again.
-template <typename T>
-class PerStoreCache {
-public:
-    template <typename Compute>
-    T get(Compute compute) {
-        std::lock_guard lock(mutex_);
-        const std::uint64_t generation = storeGeneration();
-        if (!valid_ || generation_ != generation) {
-            value_ = compute();
-            generation_ = generation;
-            valid_ = true;
-        }
-        return value_;
-    }
-
-private:
-    std::mutex mutex_;
-    bool valid_ = false;
-    std::uint64_t generation_ = 0;
-    T value_{};
-};
-
-// Closes a raw backend handle when it goes out of scope.
-class OpenKey {
-public:
-    OpenKey(HKey parent, const std::string& path, RegAccess access) : store_(currentStore()) {
-        if (store_.openKey(parent, path.c_str(), access | kKeyWow64_64Key, &key_) != kErrorSuccess) key_ = kNoKey;
-    }
-    ~OpenKey() {
-        if (key_ != kNoKey) store_.closeKey(key_);
-    }
-    OpenKey(const OpenKey&) = delete;
-    OpenKey& operator=(const OpenKey&) = delete;
-    explicit operator bool() const { return key_ != kNoKey; }
-    HKey get() const { return key_; }
-    StoreBackend& store() const { return store_; }
-
-private:
-    StoreBackend& store_;
-    HKey key_ = kNoKey;
-};
-
-// Reads a value into a zeroed buffer of `capacity` bytes; false when it is
-// missing or does not fit.
-bool queryInto(const OpenKey& key, const std::string& name, std::uint32_t capacity, RegType& type,
-               std::string& bytes) {
-    bytes.assign(capacity, '\0');
-    std::uint32_t cb = capacity;
-    if (!key ||
-        key.store().queryValue(key.get(), name.c_str(), &type, reinterpret_cast<std::uint8_t*>(bytes.data()), &cb) !=
-            kErrorSuccess)
-        return false;
-    bytes.resize(cb);
-    return true;
-}
-
-std::string textOf(const std::string& bytes) { return std::string(bytes.c_str()); }
-
-std::string readText(const OpenKey& key, const std::string& name, std::uint32_t capacity) {
-    RegType type = kRegNone;
-    std::string bytes;
-    if (!queryInto(key, name, capacity, type, bytes)) return {};
-    return textOf(bytes);
-}
-
-std::string computeProductKey() {
-    bool legacyInstallation = false;
-    {
-        OpenKey legacy(kLocalMachine, kLegacyProductPath, kKeyQueryValue);
-        legacyInstallation = static_cast<bool>(legacy);
-    }
-    std::string maker;
-    std::string product;
-    {
-        OpenKey words(kLocalMachine, kProductWordsPath, kKeyQueryValue);
-        maker = readText(words, "MfgName", kWordBytes);
-        product = readText(words, "KeyName", kWordBytes);
-    }
-    if (maker.empty() || product.empty()) {
-        if (legacyInstallation) {
-            // An older installation keeps its tree under the word "KORL"
-            // alone, which leaves an empty product component in the path
-            // ("SOFTWARE\KORL\\CurrentVersion"); installations rely on it.
-            maker = "KORL";
-            product.clear();
-        } else {
-            maker = "Tolvane";
-            product = "Linkbase";
-        }
-        Registry words(kLocalMachine, kProductWordsPath, kRegOpenOrCreate);
-        words.setString("MfgName", maker);
-        words.setString("KeyName", product);
-    }
-    return "SOFTWARE\\" + maker + "\\" + product + "\\CurrentVersion";
-}
 
 long flagFromBytes(RegType type, const std::string& bytes, long defaultValue) {
     switch (type) {
@@ -150,11 +50,6 @@ bool writeListEntry(const std::string& list, const std::string& name, const std:
 }
 
 }  // namespace
-
-std::string productKey() {
-    static PerStoreCache<std::string> cache;
-    return cache.get(computeProductKey);
-}
 
 long readProductFlag(const std::string& name, long defaultValue) {
     OpenKey key(kLocalMachine, productKey(), kKeyQueryValue);

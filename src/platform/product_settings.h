@@ -1,16 +1,14 @@
 #pragma once
 // The product's own settings below HKEY_LOCAL_MACHINE: the product key that
-// roots the VISA configuration store, and the few values that steer the
-// program. Every failure gives the documented default; nothing throws.
+// roots the VISA configuration store (product_key.h), and the few values
+// that steer the program. Every failure gives the documented default; nothing throws.
 #include <cstdint>
 #include <optional>
 #include <string>
 
-namespace braxcfg::platform {
+#include "platform/product_key.h"
 
-// "SOFTWARE\<maker>\<product>\CurrentVersion", computed once per store and
-// cached. Finding the words may write "MfgName"/"KeyName" (see the README).
-std::string productKey();
+namespace braxcfg::platform {
 
 // A flag below the product key: REG_SZ "False"/"True" (any case) or a
 // decimal number, REG_DWORD, or the first byte of REG_BINARY; anything

@@ -34,6 +34,10 @@ inline constexpr RegType kRegDword = 4;
 inline constexpr RegType kRegMultiSz = 7;
 inline constexpr RegType kRegQword = 11;
 
+// Types that hold text: kept with their terminator, and converted between
+// UTF-16LE and the store's narrow code page in .reg hex form.
+constexpr bool isTextType(RegType type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
+
 inline constexpr RegAccess kKeyQueryValue = 0x0001;
 inline constexpr RegAccess kKeyAllAccess = 0xF003F;
 inline constexpr RegAccess kKeyWow64_64Key = 0x0100;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/debug_output.h"
-#include "platform/product_settings.h"
+#include "platform/product_key.h"
 #include "platform/store.h"
 
 namespace braxcfg::platform {

@@ -13,8 +13,6 @@ namespace {
 
 constexpr RegResult kErrorNoAccess = 998;  // ERROR_NOACCESS: bad data pointer
 
-bool isStringType(RegType type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
-
 bool bothViewFlags(RegAccess access) {
     return (access & kKeyWow64_64Key) != 0 && (access & kKeyWow64_32Key) != 0;
 }
@@ -35,7 +33,7 @@ std::atomic<HKey> nextHandleNumber{0x1000};
 void copyData(const std::string& stored, RegType type, std::uint8_t* data, std::uint32_t capacity) {
     if (stored.empty()) return;
     std::memcpy(data, stored.data(), stored.size());
-    if (isStringType(type) && stored.size() < capacity && stored.back() != '\0') data[stored.size()] = 0;
+    if (isTextType(type) && stored.size() < capacity && stored.back() != '\0') data[stored.size()] = 0;
 }
 
 }  // namespace
@@ -338,7 +336,7 @@ RegResult SqliteBackend::setValue(HKey key, const char* name, RegType type, cons
     std::uint32_t size = cbData;
     // A caller that counted a string without its terminator gets it stored
     // anyway when the byte after the data is the terminator.
-    if (data && isStringType(type) && cbData > 0 && data[cbData - 1] != 0 && data[cbData] == 0) ++size;
+    if (data && isTextType(type) && cbData > 0 && data[cbData - 1] != 0 && data[cbData] == 0) ++size;
     const std::string bytes = size ? std::string(reinterpret_cast<const char*>(data), size) : std::string();
     return onKey<WriteScope>(key, [&](std::int64_t id) { return storeValue(id, name, type, bytes); });
 }

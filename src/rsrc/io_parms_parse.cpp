@@ -6,6 +6,7 @@
 #include "rsrc/io_parms.h"
 #include "rsrc/resource_rules.h"
 #include "visacore/err_log.h"
+#include "visacore/interface_types.h"
 
 namespace braxcfg::rsrc {
 
@@ -64,8 +65,10 @@ bool IoParms::appendLastElement(const char* text, std::size_t length) {
 bool IoParms::splitElements(const char* input, Outcome& outcome) {
     char* token = rsrcString_.text.get();
     for (char* p = token + std::strcspn(token, ":["); *p != '\0'; p += std::strcspn(p, ":[")) {
-        // An IPv6 address in [...] keeps its "::" to itself; an unclosed
-        // bracket hides the rest of the string.
+        // An IPv6 address in [...] keeps its "::" to itself: "[" reaches to
+        // the next "]" without nesting, a stray "]" is a plain character,
+        // and an unclosed bracket hides the rest of the string. The LAN
+        // probe's splitPartsBalanced is stricter on purpose.
         if (*p == '[') {
             char* close = std::strchr(p + 1, ']');
             if (close == nullptr) break;
@@ -107,13 +110,13 @@ bool IoParms::nameInterface(const char* input, Outcome& outcome) {
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfTypeStr", input));
         std::memcpy(intfTypeStr_.text.get(), first, typeLength);
         intfTypeStr_.text[typeLength] = '\0';
-        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
+        intfType_ = visa::interfaceTypeOf(intfTypeStr_.text.get());
     } else {
         // A bare type word names board 0: "GPIB" is GPIB0.
         const std::size_t typeLength = std::strlen(first);
         intfTypeStr_ = std::move(elements_[0]);
         elements_[0].size = 0;
-        intfType_ = interfaceTypeOf(intfTypeStr_.text.get());
+        intfType_ = visa::interfaceTypeOf(intfTypeStr_.text.get());
         if (!elements_[0].allocate(typeLength + 2))
             return outcome.failLogged(
                 errLog(VI_ERROR_ALLOC, "IoParms::parse: parsing '%s': unable to 'new' char[] for intfName", input));

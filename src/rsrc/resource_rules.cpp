@@ -8,16 +8,6 @@ namespace {
 
 using namespace visa;
 
-struct InterfaceTypeWord {
-    const char* word;
-    ViUInt16 type;
-};
-
-constexpr InterfaceTypeWord kInterfaceTypes[] = {
-    {"GPIB", VI_INTF_GPIB}, {"VXI", VI_INTF_VXI},     {"GPIB-VXI", VI_INTF_GPIB_VXI}, {"ASRL", VI_INTF_ASRL},
-    {"PXI", VI_INTF_PXI},   {"TCPIP", VI_INTF_TCPIP}, {"USB", VI_INTF_USB},           {"RSIB", VI_INTF_RSIB},
-};
-
 struct ResourceClassWord {
     const char* word;
     RsrcClass rsrcClass;
@@ -57,13 +47,6 @@ constexpr ClassRule kClassRules[] = {
 };
 
 }  // namespace
-
-ViUInt16 interfaceTypeOf(const char* typeWord) {
-    if (typeWord == nullptr) return 0;
-    for (const auto& entry : kInterfaceTypes)
-        if (typeWord[0] == entry.word[0] && std::strcmp(typeWord, entry.word) == 0) return entry.type;
-    return 0;
-}
 
 RsrcClass resourceClassOf(const char* word) {
     if (word == nullptr) return RsrcClass::None;

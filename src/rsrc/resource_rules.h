@@ -1,14 +1,10 @@
 #pragma once
-// The fixed vocabulary of resource strings: interface type words with their
-// VISA interface type numbers, the resource classes, and which parameter
-// counts each class allows on each interface type.
+// The fixed vocabulary of resource strings: the resource classes, and which
+// parameter counts each class allows on each interface type. The interface
+// type words and numbers are visacore/interface_types.h.
 #include "visacore/visa_types.h"
 
 namespace braxcfg::rsrc {
-
-// The interface type number of a type word ("GPIB", "GPIB-VXI", ...),
-// compared exactly; 0 for any other word or for null.
-visa::ViUInt16 interfaceTypeOf(const char* typeWord);
 
 enum class RsrcClass { None, Instr, Memacc, Intfc, Backplane, Socket, Servant };
 

@@ -3,6 +3,7 @@
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "visacore/config/reg_visa_config.h"
+#include "visacore/interface_types.h"
 
 namespace braxcfg::store {
 namespace {
@@ -10,18 +11,6 @@ namespace {
 using platform::kRegOpenExisting;
 using platform::kRegOpenOrCreate;
 using platform::Registry;
-
-// Compared in this order, case-sensitively.
-constexpr IntfTypeWord kTypeWords[] = {
-    {"ASRL", kIntfAsrl}, {"VXI", kIntfVxi},   {"GPIB-VXI", kIntfGpibVxi}, {"GPIB", kIntfGpib},
-    {"TCPIP", kIntfTcpip}, {"USB", kIntfUsb}, {"RSIB", kIntfRsib},       {"PXI", kIntfPxi},
-};
-
-std::uint16_t codeOfTypeWord(const std::string& word) {
-    for (const IntfTypeWord& entry : kTypeWords)
-        if (word == entry.word) return entry.code;
-    return kIntfUnknown;
-}
 
 std::string normalisedRsrcType(const std::string& stored) {
     return stored == "SOCKET" ? "SOCKET" : "INSTR";
@@ -45,20 +34,18 @@ void createInterfaceResources(const Registry& intfKey) {
 
 }  // namespace
 
-std::span<const IntfTypeWord> intfTypeWords() { return kTypeWords; }
-
 std::string ConfigStore::GetVisaName(const std::string& intf) const {
     return Registry(intf, kRegOpenExisting).getString("VISAName");
 }
 
 std::uint16_t ConfigStore::GetIntfType(const std::string& intf) const {
-    return codeOfTypeWord(Registry(intf, kRegOpenExisting).getString("VISAIntfType"));
+    return visa::interfaceTypeOf(Registry(intf, kRegOpenExisting).getString("VISAIntfType"));
 }
 
 std::uint16_t ConfigStore::GetIntfType(const std::string& intf, std::string& rsrcType) const {
     Registry key(intf, kRegOpenExisting);
     rsrcType = normalisedRsrcType(key.getString("VISARsrcType"));
-    return codeOfTypeWord(key.getString("VISAIntfType"));
+    return visa::interfaceTypeOf(key.getString("VISAIntfType"));
 }
 
 // The configuration class of the VISA core services owns the rule that

@@ -6,6 +6,7 @@
 #include "platform/product_settings.h"
 #include "platform/profile_reader.h"
 #include "platform/registry.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::store {
 namespace {
@@ -79,18 +80,18 @@ void setupVisaIntf(const ConfigStore& store, const std::string& intf) {
     if (store.IsVisaIntfSetup(intf)) return;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
-        case kIntfGpib:
-        case kIntfVxi:
-        case kIntfGpibVxi:
-        case kIntfPxi:
-        case kIntfUsb:
-        case kIntfRsib:
+        case visa::VI_INTF_GPIB:
+        case visa::VI_INTF_VXI:
+        case visa::VI_INTF_GPIB_VXI:
+        case visa::VI_INTF_PXI:
+        case visa::VI_INTF_USB:
+        case visa::VI_INTF_RSIB:
             configureAtRunTime(store, intf);
             break;
-        case kIntfAsrl:
+        case visa::VI_INTF_ASRL:
             store.SetupIntfEntries(intf, serialDefault);
             break;
-        case kIntfTcpip:
+        case visa::VI_INTF_TCPIP:
             // LAN resources are entered by hand and kept in the store.
             store.SetupIntfEntries(intf, 0);
             break;

@@ -4,7 +4,6 @@
 // request (and may answer it) instead of showing anything.
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "ui/dialog_ids.h"
 
@@ -30,29 +29,10 @@ struct MessageBoxRequest {
 // and the answer is kIdOk.
 int messageBox(QWidget* owner, const std::string& text, const std::string& caption, MessageIcon icon);
 
-// Replaces the production box (tests); an empty handler restores it.
+// Replaces the production box (MessageBoxCapture in ui/testing/); an empty
+// handler restores it.
 // Returns the handler that was installed before.
 using MessageBoxHandler = std::function<int(const MessageBoxRequest&)>;
 MessageBoxHandler setMessageBoxHandler(MessageBoxHandler handler);
-
-// Records every message box asked for while it lives, and answers each
-// with `answer` (kIdOk unless told otherwise) without showing anything.
-class MessageBoxCapture {
-public:
-    MessageBoxCapture();
-    explicit MessageBoxCapture(MessageBoxHandler answer);
-    ~MessageBoxCapture();
-    MessageBoxCapture(const MessageBoxCapture&) = delete;
-    MessageBoxCapture& operator=(const MessageBoxCapture&) = delete;
-
-    const std::vector<MessageBoxRequest>& requests() const { return requests_; }
-    // Just the texts, in the order the boxes were asked for.
-    std::vector<std::string> texts() const;
-
-private:
-    std::vector<MessageBoxRequest> requests_;
-    MessageBoxHandler answer_;
-    MessageBoxHandler previous_;
-};
 
 }  // namespace braxcfg::ui

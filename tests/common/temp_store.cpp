@@ -16,7 +16,10 @@ std::string testOutputDir(const std::string& sub) {
     return dir.string();
 }
 
-TempStore::TempStore() {
+namespace {
+
+// Named after the running test, unique within the run.
+std::string freshStorePath() {
     static std::atomic<int> counter{0};
     std::string name = "store";
     if (const auto* info = ::testing::UnitTest::GetInstance()->current_test_info()) {
@@ -24,19 +27,18 @@ TempStore::TempStore() {
         for (char& c : name)
             if (c == '/') c = '_';
     }
-    path_ = testOutputDir("stores") + "/" + name + "-" + std::to_string(getpid()) + "-" +
-            std::to_string(counter++) + ".db";
-    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-    reopen();
+    return testOutputDir("stores") + "/" + name + "-" + std::to_string(getpid()) + "-" + std::to_string(counter++) +
+           ".db";
 }
 
-TempStore::~TempStore() {
-    platform::closeStore();
-    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_ + suffix);
-}
+}  // namespace
+
+TempStore::TempStore() : files_(freshStorePath()) { reopen(); }
+
+TempStore::~TempStore() { platform::closeStore(); }
 
 void TempStore::reopen() const {
-    const auto status = platform::openStore(path_);
+    const auto status = platform::openStore(path());
     ASSERT_EQ(status.state, platform::StoreOpenState::Open) << status.error;
 }
 

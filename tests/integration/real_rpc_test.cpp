@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "temp_store.h"
+#include "tool_run.h"
 #include "visacore/visa_api.h"
 
 namespace braxcfg::visa {
@@ -140,7 +141,8 @@ TEST_F(RealRpcTest, UnknownAndUnreachableHosts) {
 }
 
 TEST_F(RealRpcTest, ToolPrintsTheThreeOutcomes) {
-    const std::string store = test::testOutputDir("integration") + "/tool-store-" + std::to_string(getpid()) + ".db";
+    const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/tool-store-" +
+                                        std::to_string(getpid()) + ".db");
     const struct { std::vector<std::string> args; int exitCode; const char* output; } cases[] = {
         {{"TCPIP0::127.0.0.1::inst0::INSTR", "--alias", "scope1"}, 0,
          "Resource Found\nThe resource 'scope1' was found.\n\n(TCPIP0::127.0.0.1::inst0::INSTR)\n"},
@@ -151,13 +153,12 @@ TEST_F(RealRpcTest, ToolPrintsTheThreeOutcomes) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args[0]);
-        std::vector<std::string> argv{BRAXCFG_TOOL_PATH, "--store", store, "test"};
-        argv.insert(argv.end(), c.args.begin(), c.args.end());
-        Child tool(argv);
-        EXPECT_EQ(tool.output(5s), c.output);
-        EXPECT_EQ(tool.wait(), c.exitCode);
+        std::vector<std::string> args{"--store", store.path(), "test"};
+        args.insert(args.end(), c.args.begin(), c.args.end());
+        const test::ToolRun tool = test::runTool(args);
+        EXPECT_EQ(tool.out, c.output);
+        EXPECT_EQ(tool.exitCode, c.exitCode);
     }
-    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(store + suffix);
 }
 
 }  // namespace

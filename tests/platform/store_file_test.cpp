@@ -122,7 +122,7 @@ TEST(StoreFile, OpenStateFollowsPermissions) {
         const std::string folder = freshFolder("permissions");
         const std::string path = folder + "/registry.db";
         const std::string before = makeStore(path, 0);
-        for (const char* suffix : {"", "-wal", "-shm"})
+        for (const char* suffix : test::kStoreFileSuffixes)
             if (fs::exists(path + suffix)) fs::permissions(path + suffix, c.file);
         fs::permissions(folder, c.folder);
         const std::string report = test::finishChild(test::startChild([&] { return openAsUser(path); }));

@@ -8,6 +8,7 @@
 
 #include "rsrc/allocation.h"
 #include "rsrc/io_parms.h"
+#include "visacore/config/base_visa_config.h"
 #include "store_builder.h"
 #include "temp_store.h"
 
@@ -94,6 +95,13 @@ TEST(IoParmsDump, PrintsEveryFieldInItsFixedFormat) {
                                    "        3:          -1, 'SN42'\n"
                                    "        4:          -1, 'INSTR'\n"
                                    "\n");
+    // The KORL name is bounded by the configuration's room, not by the size
+    // passed; only the low 16 bits of the export flag count.
+    char name[visa::kConfigTextChars] = "stale";
+    EXPECT_EQ(parms.getKorlIntfName(name, 1), name);
+    EXPECT_STREQ(name, "KUSB0");
+    test::putDword(test::underProduct("INTF0"), "VISAExportEnabled", 0x10000);
+    EXPECT_FALSE(parms.isExportEnabled());
     // Never parsed: NULL texts, the initial status, board -1 and no elements.
     IoParms empty;
     const std::string text = dumpText(empty);

@@ -45,7 +45,7 @@ const struct {
     {"SetupIntfEntries", kIntf + repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
      [] { ConfigStore().SetupIntfEntries("INTF0", 1); }},
     {"AddDeviceEntry", kIntf + "[INTF0\\VISADev]\n" + repeated("[VISAInfo\\DefaultRsrcs\\C#" + kClass),
-     [] { ConfigStore().AddDeviceEntry("INTF0", "GPIB0::5", ""); }},
+     [] { ConfigStore().AddDeviceEntry("INTF0", "GPIB0::5", "", ""); }},
     {"WriteVisaInfoDefaults", repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
      [] { resetVisaInfoWrittenFlag(), ConfigStore().WriteVisaInfoDefaults(); }},
     {"alias commit",

@@ -14,6 +14,7 @@
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "store/interface_setup.h"
+#include "visacore/interface_types.h"
 #include "store/visa_info.h"
 #include "store_builder.h"
 #include "temp_store.h"
@@ -47,18 +48,19 @@ TEST(GetMaxIntfNum, CountsOnlyUpperCaseInterfaceKeys) {
 }
 
 TEST(GetIntfType, TypeWordsAreCaseSensitiveAndResourceTypeIsNormalised) {
+    using namespace visa;
     const struct {
         const char* typeWord;  // null: no interface
         const char* rsrcType;  // null: absent
         std::uint16_t code;
         const char* normalised;
     } cases[] = {
-        {"GPIB", nullptr, kIntfGpib, "INSTR"},         {"VXI", "INSTR", kIntfVxi, "INSTR"},
-        {"GPIB-VXI", "MEMACC", kIntfGpibVxi, "INSTR"}, {"ASRL", "", kIntfAsrl, "INSTR"},
-        {"PXI", nullptr, kIntfPxi, "INSTR"},           {"TCPIP", "SOCKET", kIntfTcpip, "SOCKET"},
-        {"USB", "socket", kIntfUsb, "INSTR"},          {"RSIB", nullptr, kIntfRsib, "INSTR"},
-        {"gpib", nullptr, kIntfUnknown, "INSTR"},      {"GPIB ", nullptr, kIntfUnknown, "INSTR"},
-        {nullptr, nullptr, kIntfUnknown, "INSTR"},
+        {"GPIB",     nullptr,  VI_INTF_GPIB,     "INSTR"}, {"VXI",      "INSTR",  VI_INTF_VXI,      "INSTR"},
+        {"GPIB-VXI", "MEMACC", VI_INTF_GPIB_VXI, "INSTR"}, {"ASRL",     "",       VI_INTF_ASRL,     "INSTR"},
+        {"PXI",      nullptr,  VI_INTF_PXI,      "INSTR"}, {"TCPIP",    "SOCKET", VI_INTF_TCPIP,    "SOCKET"},
+        {"USB",      "socket", VI_INTF_USB,      "INSTR"}, {"RSIB",     nullptr,  VI_INTF_RSIB,     "INSTR"},
+        {"gpib",     nullptr,  kIntfUnknown,     "INSTR"}, {"GPIB ",    nullptr,  kIntfUnknown,     "INSTR"},
+        {nullptr,    nullptr,  kIntfUnknown,     "INSTR"},
     };
     test::TempStore store;
     int n = 0;
@@ -132,14 +134,14 @@ TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplatesAndClearEmp
     putTree("[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\D::5\\D::5::INSTR]\n\"Driver\"=\"old\"\n"
             "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n"
             "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"I\"\n\"GPIB\"=hex:01\n");
-    ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR");
-    ConfigStore().AddDeviceEntry("INTF1", "D::5", "");
+    ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR", "");
+    ConfigStore().AddDeviceEntry("INTF1", "D::5", "", "");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n[D::5]\n[D::5\\D::5::INSTR]\n\"Driver\"=\"I\"\n\"Kept\"=\"yes\"\n"
                                           "\"Prefix\"=\"\"\n[D::5\\D::5::OTHER]\n");
     EXPECT_EQ(treeText("INTF1\\VISADev"), "<missing>");
 
     putTree("[-VISAInfo]\n");
-    ConfigStore().AddDeviceEntry("INTF0", "D::6", "");
+    ConfigStore().AddDeviceEntry("INTF0", "D::6", "", "");
     EXPECT_EQ(1u, count(treeText("INTF0\\VISADev"), "[D::6]\n"));
     ConfigStore().ClearDevices("INTF0");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n");

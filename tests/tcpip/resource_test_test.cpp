@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include "fake_servers.h"
+#include "ui/testing/message_box_capture.h"
 #include "visacore/visa_api.h"
 
 namespace braxcfg::tcpip {

@@ -1,8 +1,5 @@
 // braxcfg import / export, run as a child process on a store file of its own.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -12,10 +9,12 @@
 #include <vector>
 
 #include "temp_store.h"
-
-extern char** environ;
+#include "tool_run.h"
 
 namespace {
+
+using braxcfg::test::runTool;
+using braxcfg::test::ToolRun;
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -28,14 +27,8 @@ void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
-struct ToolRun {
-    int exitCode = -1;
-    std::string out;
-    std::string err;
-};
-
-// A folder of its own for each test: the store, the files it imports and
-// exports, and the captured output.
+// A folder of its own for each test: the store and the files it imports and
+// exports.
 class RegfileTool : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -48,27 +41,9 @@ protected:
 
     std::string path(const std::string& name) const { return dir_ + "/" + name; }
 
-    ToolRun run(const std::vector<std::string>& args) const {
-        std::vector<std::string> words = {BRAXCFG_TOOL_PATH, "--store", path("store.db")};
-        words.insert(words.end(), args.begin(), args.end());
-        std::vector<char*> argv;
-        for (std::string& word : words) argv.push_back(word.data());
-        argv.push_back(nullptr);
-        const std::string outPath = path("stdout"), errPath = path("stderr");
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        ToolRun result;
-        pid_t pid = -1;
-        if (posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0) {
-            int status = 0;
-            if (waitpid(pid, &status, 0) == pid && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
-        }
-        posix_spawn_file_actions_destroy(&actions);
-        result.out = readFile(outPath);
-        result.err = readFile(errPath);
-        return result;
+    ToolRun run(std::vector<std::string> args) const {
+        args.insert(args.begin(), {"--store", path("store.db")});
+        return runTool(args);
     }
 
 private:

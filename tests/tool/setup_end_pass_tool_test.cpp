@@ -2,7 +2,6 @@
 // with every interface type to the exported result.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -15,6 +14,7 @@
 
 #include "braxcfg_version.h"
 #include "temp_store.h"
+#include "tool_run.h"
 
 namespace {
 
@@ -25,12 +25,6 @@ std::string readText(const std::string& path) {
     std::ostringstream content;
     content << in.rdbuf();
     return content.str();
-}
-
-std::string shellQuoted(const std::string& word) {
-    std::string out = "'";
-    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
 }
 
 void replaceAll(std::string& text, const std::string& from, const std::string& to) {
@@ -48,18 +42,13 @@ protected:
     }
     void TearDown() override { std::filesystem::remove_all(dir_); }
 
-    // Runs the tool on the test's store; its exit code, with stderr in `output`.
-    int run(const std::vector<std::string>& args, std::string* output = nullptr) const {
-        std::string command = shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(dir_ + "/store.db");
-        for (const std::string& arg : args) command += " " + shellQuoted(arg);
-        FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
-        if (pipe == nullptr) return -1;
-        std::string text;
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
-        const int status = ::pclose(pipe);
-        if (output) *output = text;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    // Runs the tool on the test's store; its exit code, with its output
+    // (stdout, then stderr) in `output`.
+    int run(std::vector<std::string> args, std::string* output = nullptr) const {
+        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
+        const braxcfg::test::ToolRun result = braxcfg::test::runTool(args);
+        if (output) *output = result.out + result.err;
+        return result.exitCode;
     }
 
     std::string dir_;

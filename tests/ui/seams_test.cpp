@@ -11,7 +11,7 @@
 
 #include "dialog_test_support.h"
 #include "ui/host_owner.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "ui/modal_dialog.h"
 
 namespace braxcfg::ui {

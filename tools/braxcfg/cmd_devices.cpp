@@ -85,7 +85,7 @@ int runDevices(const Args& args) {
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
         if (!hasDeviceList) return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
-        store.AddDeviceEntry(intf, words[2], classFilter);
+        store.AddDeviceEntry(intf, words[2], classFilter, "");
         if (store.GetDeviceRsrcName(intf, words[2], 0).empty())
             std::cerr << "braxcfg: note: no resource class of the VISAInfo\\DefaultRsrcs table applies to "
                       << words[2] << (classFilter.empty() ? "" : " with --class " + classFilter) << "\n";

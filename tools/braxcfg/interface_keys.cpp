@@ -6,6 +6,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "visacore/interface_types.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -24,8 +25,8 @@ std::string upperAscii(std::string text) {
 
 // The store's spelling of a type word given in any case; empty when unknown.
 std::string knownTypeWord(const std::string& given) {
-    for (const store::IntfTypeWord& entry : store::intfTypeWords())
-        if (upperAscii(given) == entry.word) return entry.word;
+    for (const visa::InterfaceType& type : visa::kInterfaceTypes)
+        if (upperAscii(given) == type.word) return std::string(type.word);
     return {};
 }
 

@@ -9,10 +9,6 @@ namespace braxcfg::platform::regfile {
 inline constexpr std::string_view kRegedit4Header = "REGEDIT4";
 inline constexpr std::string_view kVersion5Header = "Windows Registry Editor Version 5.00";
 
-// Types whose hex form holds text (converted between UTF-16LE and the
-// store's narrow code page) rather than raw bytes.
-constexpr bool isTextType(RegType type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
-
 constexpr bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 constexpr unsigned hexDigitValue(char c) {

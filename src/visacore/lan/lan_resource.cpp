@@ -44,7 +44,12 @@ bool parsePort(std::string_view text, std::uint16_t& port) {
 
 // Splits at "::" outside square brackets, so an IPv6 host ([fe80::1]) or a
 // device name with a bracketed part (usb0[1::2::3::0]) stays whole.
-bool splitParts(std::string_view text, std::vector<std::string_view>& parts) {
+// Balanced on purpose, unlike IoParms::splitElements (which reads a name as
+// the run time does: "[" reaches to the next "]", a stray "]" is a plain
+// character, an unclosed "[" hides the rest): the probe connects to the host
+// it reads, so brackets that do not pair or nest refuse the name instead of
+// guessing a host.
+bool splitPartsBalanced(std::string_view text, std::vector<std::string_view>& parts) {
     int depth = 0;
     std::size_t start = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -140,7 +145,7 @@ std::string_view trimmed(std::string_view text) {
 ViStatus parseLanResource(std::string_view text, LanResource& out) {
     out = LanResource{};
     std::vector<std::string_view> parts;
-    if (!splitParts(trimmed(text), parts)) return VI_ERROR_INV_RSRC_NAME;
+    if (!splitPartsBalanced(trimmed(text), parts)) return VI_ERROR_INV_RSRC_NAME;
     if (!splitInterface(parts[0], "TCPIP", out.board))
         return parts.size() >= 2 && isOtherInterface(parts[0]) ? VI_ERROR_NSUP_OPER : VI_ERROR_INV_RSRC_NAME;
     if (parts.size() < 2 || parts.size() > 4 || !parseHost(parts[1], out.host)) return VI_ERROR_INV_RSRC_NAME;

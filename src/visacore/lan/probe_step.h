@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "visacore/cancel_token.h"
-#include "visacore/lan/deadline.h"
 #include "visacore/lan/socket_address.h"
 #include "visacore/lan/tcp_link.h"
 #include "visacore/visa_types.h"

@@ -11,7 +11,7 @@
 #include <mutex>
 #include <thread>
 
-#include "visacore/lan/wait.h"
+#include "visacore/lan/tcp_link.h"
 
 namespace braxcfg::visa::lan {
 namespace {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "visacore/cancel_token.h"
-#include "visacore/lan/deadline.h"
 #include "visacore/lan/socket_address.h"
+#include "visacore/lan/tcp_link.h"
 
 namespace braxcfg::visa::lan {
 

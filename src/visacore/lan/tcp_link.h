@@ -1,17 +1,50 @@
 #pragma once
 // One TCP connection of a probe: non-blocking socket, every wait bounded by
 // the probe's deadline and cancel token. The connection closes with the
-// object.
+// object. The deadline and the bounded wait are here too: every socket wait
+// of a probe (name look-up included) is one of these.
+#include <algorithm>
+#include <chrono>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include "visacore/cancel_token.h"
-#include "visacore/lan/deadline.h"
 #include "visacore/lan/socket_address.h"
 
 namespace braxcfg::visa::lan {
+
+// One overall time budget shared by every step of a probe: each wait gets
+// what is left, so the sum of the steps can never exceed the budget.
+class Deadline {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    explicit Deadline(std::chrono::milliseconds budget) : end_(Clock::now() + budget) {}
+
+    bool expired() const { return Clock::now() >= end_; }
+
+    // Milliseconds left for poll(), rounded up so a wait never wakes early
+    // and spins; 0 once the deadline has passed.
+    int pollTimeoutMs() const {
+        const auto left = end_ - Clock::now();
+        if (left <= Clock::duration::zero()) return 0;
+        const auto ms = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+        return static_cast<int>(std::min<long long>(ms, INT_MAX));
+    }
+
+private:
+    Clock::time_point end_;
+};
+
+enum class WaitResult { Ready, TimedOut, Cancelled, Failed };
+
+// Waits until `fd` reports one of `events` (POLLIN, POLLOUT), the deadline
+// passes or `cancel` (may be null) is triggered. Error and hang-up
+// conditions count as Ready: the next call on the socket tells which.
+WaitResult waitFor(int fd, short events, const Deadline& deadline, const CancelToken* cancel);
 
 enum class NetStatus {
     Ok,

@@ -1,4 +1,4 @@
-#include "ui/modal_script.h"
+#include "ui/testing/modal_script.h"
 
 #include <utility>
 

@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "temp_store.h"
-#include "ui/modal_script.h"
+#include "ui/testing/message_box_capture.h"
+#include "ui/testing/modal_script.h"
 #include "ui/qt_text.h"
 #include "ui/screenshot.h"
 

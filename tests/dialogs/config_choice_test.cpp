@@ -6,7 +6,7 @@
 
 #include "dialog_test_support.h"
 #include "dialogs/choice_help.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::dialogs {
 namespace {

@@ -1,16 +1,16 @@
-// The VISA configuration behind IoParms::getKorlIntfName and
-// isExportEnabled: store-backed and INI-backed, chosen by a product setting.
+// The VISA configuration of one interface (its KORL name, whether it is
+// exported): store-backed and INI-backed, chosen by a product setting.
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <string>
 
-#include "rsrc/io_parms.h"
 #include "store_builder.h"
 #include "temp_store.h"
 #include "visacore/config/reg_visa_config.h"
+#include "visacore/config/use_registry.h"
 
-namespace braxcfg::rsrc {
+namespace braxcfg::visa {
 namespace {
 
 using test::putDword;
@@ -18,21 +18,19 @@ using test::putString;
 using test::underProduct;
 
 struct IntfAnswer {
-    const char* input;
+    const char* intf;  // VISA interface name
     const char* korlName;
-    bool exported;
+    ViUInt32 exported;  // as kept; readers count only the low 16 bits
 };
 
 void expectAnswers(const std::vector<IntfAnswer>& answers) {
     for (const IntfAnswer& a : answers) {
-        SCOPED_TRACE(a.input);
-        std::string buffer = a.input;
-        IoParms parms;
-        parms.parse(buffer.data(), false);
-        char name[visa::kConfigTextChars] = "stale";
-        EXPECT_EQ(parms.getKorlIntfName(name, 1), name);  // the size is not what bounds it
-        EXPECT_STREQ(name, a.korlName);
-        EXPECT_EQ(parms.isExportEnabled(), a.exported);
+        SCOPED_TRACE(a.intf);
+        const VisaIntfConfig config = openVisaIntfConfig(a.intf);
+        ASSERT_NE(config.intf, nullptr);
+        char name[kConfigTextChars] = "stale";
+        EXPECT_STREQ(config.intf->getKorlIntfName(name), a.korlName);
+        EXPECT_EQ(config.intf->isExportEnabled(), a.exported);
     }
 }
 
@@ -50,15 +48,15 @@ TEST(VisaConfig, StoreBackedAnswersComeFromTheKeyWithThatVisaName) {
     putKorlInterface("INTF5", "GPIB1", "G1", 0x10000);  // only the low 16 bits count
     putKorlInterface("INTF6", "tcpip1", "lower", 1);
     putKorlInterface("INTF7", "TCPIP0", "second", 0);  // the first key of a name wins
-    expectAnswers({{"TCPIP0::host::INSTR", "LAN0", true},
-                   {"GPIB1::5::INSTR", "G1", false},
-                   {"GPIB0::1::INSTR", "", false},
-                   {"ASRL9::INSTR", "", false},
-                   {"TCPIP1::host::INSTR", "", false},
-                   {"PXI3::5::INSTR", "PXIK", true}});  // legacy PXI naming: interface PXI0
+    expectAnswers({{"TCPIP0", "LAN0", 1},
+                   {"GPIB1", "G1", 0x10000},
+                   {"GPIB0", "", 0},
+                   {"ASRL9", "", 0},
+                   {"TCPIP1", "", 0},  // names compare with their case
+                   {"PXI0", "PXIK", 1}});
     // The highest interface number: leading digits after a case-sensitive "INTF".
     for (const char* key : {"INTF10", "INTF12abc", "INTFX", "intf30"}) test::putKey(underProduct(key));
-    EXPECT_EQ(visa::RegVISAConfig().getMaxIntfNum(), 12);
+    EXPECT_EQ(RegVISAConfig().getMaxIntfNum(), 12);
 }
 
 TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
@@ -70,13 +68,11 @@ TEST(VisaConfig, IniBackedAnswersComeFromTheSectionOfTheInterfaceName) {
     putDword(underProduct(), "UseRegistryVisaConfig", 0);
     putString(underProduct(), "BaseDir", baseDir);
     store.reopen();  // "BaseDir" is read once per store
-    expectAnswers({{"TCPIP0::host::INSTR", "IniLan0", true},
-                   {"GPIB1::5::INSTR", "Quoted G1", false},
-                   {"ASRL9::INSTR", "", false}});
+    expectAnswers({{"TCPIP0", "IniLan0", 1}, {"GPIB1", "Quoted G1", 65536}, {"ASRL9", "", 0}});
     putString(underProduct(), "BaseDir", baseDir + "/missing");
     store.reopen();
-    expectAnswers({{"TCPIP0::host::INSTR", "", false}});
+    expectAnswers({{"TCPIP0", "", 0}});
 }
 
 }  // namespace
-}  // namespace braxcfg::rsrc
+}  // namespace braxcfg::visa

@@ -6,7 +6,7 @@
 
 #include "command.h"
 #include "tcpip/resource_test.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "visacore/probe_timeout.h"
 
 namespace braxcfg::tool {
@@ -20,7 +20,7 @@ bool parseTimeout(const std::string& text, std::chrono::milliseconds& timeout) {
     return true;
 }
 
-int runTest(const Args& args) {
+int runProbe(const Args& args) {
     SplitArgs split;
     std::string error;
     if (!splitArgs(args, {}, {"--alias", "--timeout"}, split, error)) return fail(error);
@@ -46,7 +46,7 @@ const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialo
                                  "  --timeout MS   give up after MS milliseconds (1 to 60000); default: the\n"
                                  "                 product setting \"ResourceTestTimeout\", else 3000\n"
                                  "Exit status 0 when the resource was found, 1 when it was not.\n",
-                                 StoreUse::Read, runTest});
+                                 StoreUse::Read, runProbe});
 
 }  // namespace
 }  // namespace braxcfg::tool

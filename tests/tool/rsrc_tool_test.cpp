@@ -1,28 +1,20 @@
 // braxcfg rsrc dump | canon, run as a child process.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "temp_store.h"
+#include "tool_run.h"
 
 namespace braxcfg::test {
 namespace {
 
-// The tool's standard output and exit code (-1 when it did not exit).
-std::pair<std::string, int> runTool(const std::string& storePath, const std::vector<std::string>& args) {
-    // No "'" in the build paths or in any argument here.
-    std::string command = "'" BRAXCFG_TOOL_PATH "' --store '" + storePath + "'";
-    for (const std::string& arg : args) command += " '" + arg + "'";
-    std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) return {"", -1};
-    std::string out;
-    char chunk[4096];
-    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, n);
-    const int status = pclose(pipe);
-    return {out, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+// The tool's standard output and exit code.
+std::pair<std::string, int> runOnStore(const std::string& storePath, std::vector<std::string> args) {
+    args.insert(args.begin(), {"--store", storePath});
+    ToolRun result = runTool(args);
+    return {std::move(result.out), result.exitCode};
 }
 
 TEST(RsrcTool, CanonPrintsNamesAndStatusPerString) {
@@ -44,13 +36,13 @@ TEST(RsrcTool, CanonPrintsNamesAndStatusPerString) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.args));
-        EXPECT_EQ(runTool(store.path(), c.args), std::make_pair(c.out, c.exitCode));
+        EXPECT_EQ(runOnStore(store.path(), c.args), std::make_pair(c.out, c.exitCode));
     }
 }
 
 TEST(RsrcTool, DumpPrintsTheRecordOfEachString) {
     const TempStore store;
-    const auto [out, exitCode] = runTool(store.path(), {"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"});
+    const auto [out, exitCode] = runOnStore(store.path(), {"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"});
     EXPECT_EQ(exitCode, 1);
     EXPECT_EQ(out.rfind("\nIoParms instance: 0x", 0), 0u);
     for (const char* part :

@@ -26,7 +26,7 @@
 #include "platform/store.h"
 #include "store_builder.h"
 #include "tree_text.h"
-#include "ui/message_box.h"
+#include "ui/testing/message_box_capture.h"
 #include "ui/modal.h"
 
 namespace braxcfg::tool {
