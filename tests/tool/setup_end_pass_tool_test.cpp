@@ -170,8 +170,8 @@ TEST_F(SetupEndPassTool, InterfaceKeysAreAddedRemovedAndCheckedByEveryCommand) {
         {{"interfaces", "add"}, 2, "braxcfg: usage: braxcfg interfaces add TYPE [--board N] [--socket]\n"},
         {{"interfaces", "remove", "INTF1"}, 0, ""},
         {{"interfaces", "add", "VXI"}, 0, "INTF1\n"},  // the lowest free key
-        {{"interfaces", "add", "USB"}, 2, "braxcfg: the store @STORE@ is busy or read-only; nothing was written\n", true},
-        {{"interfaces", "remove", "INTF0"}, 2, "braxcfg: the store @STORE@ is busy or read-only; nothing was written\n",
+        {{"interfaces", "add", "USB"}, 2, "braxcfg: the store @STORE@ is busy (another program is changing it), try again; nothing was changed\n", true},
+        {{"interfaces", "remove", "INTF0"}, 2, "braxcfg: the store @STORE@ is busy (another program is changing it), try again; nothing was changed\n",
          true},
         {{"configure", "INTF3"}, 1,
          "braxcfg: INTF3 is not a GPIB, VXI or GPIB-VXI interface; 'braxcfg edit INTF3' edits its devices\n"},

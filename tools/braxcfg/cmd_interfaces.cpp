@@ -13,6 +13,7 @@
 #include "platform/store.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -139,7 +140,7 @@ const CommandRegistration kInterfaces({"interfaces", "list, add or remove the st
                                        "usage: braxcfg interfaces [--json]\n"
                                        "       braxcfg interfaces add TYPE [--board N] [--socket]\n"
                                        "       braxcfg interfaces remove INTF\n"
-                                       "One line per INTF<n> key from INTF0 to the highest number: key, VISA name,\n"
+                                       "One line per INTF<n> key, by number: key, VISA name,\n"
                                        "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n"
                                        "'add' creates the lowest free INTF<n> key for an interface of TYPE (GPIB,\n"
                                        "TCPIP, VXI, GPIB-VXI, ASRL, USB, PXI, RSIB) with board N (default: the lowest\n"

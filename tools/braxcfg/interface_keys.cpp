@@ -6,6 +6,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "visacore/config/reg_visa_config.h"
 #include "visacore/interface_types.h"
 
 namespace braxcfg::tool {
@@ -44,17 +45,12 @@ bool isUsed(const std::vector<std::string>& used, const std::string& visaName) {
     return std::find(used.begin(), used.end(), upperAscii(visaName)) != used.end();
 }
 
-std::string busyMessage() {
-    return "the store " + platform::currentStoreStatus().path + " is busy or read-only; nothing was written";
-}
-
 }  // namespace
 
 std::vector<InterfaceRow> readInterfaces() {
     const store::ConfigStore store;
     std::vector<InterfaceRow> rows;
-    const int max = store.GetMaxIntfNum();
-    for (int n = 0; n <= max; ++n) {
+    for (const int n : visa::existingIntfNumbers()) {
         InterfaceRow row;
         row.key = "INTF" + std::to_string(n);
         const Registry key(row.key, kRegOpenExisting);
@@ -111,7 +107,7 @@ AddedInterface addInterface(const NewInterface& request) {
     }
     platform::StoreTransaction transaction;
     if (!transaction.active()) {
-        added.error = busyMessage();
+        added.error = transaction.failureMessage();
         return added;
     }
     const std::vector<std::string> used = usedVisaNames();
@@ -136,8 +132,8 @@ AddedInterface addInterface(const NewInterface& request) {
         intfKey.setString("VISAIntfType", type);
         intfKey.setString("VISARsrcType", request.socket ? "SOCKET" : "INSTR");
     }
-    if (!transaction.commit() || Registry(key, kRegOpenExisting).getString("VISAName") != added.visaName) {
-        added.error = busyMessage();
+    if (!transaction.commit()) {
+        added.error = transaction.failureMessage();
         added.visaName.clear();
         return added;
     }
@@ -147,9 +143,11 @@ AddedInterface addInterface(const NewInterface& request) {
 
 std::string removeInterface(const std::string& intf) {
     platform::StoreTransaction transaction;
-    if (!transaction.active()) return busyMessage();
-    if (Registry("", kRegOpenExisting).deleteTree(intf) != platform::kErrorSuccess || !transaction.commit())
-        return "cannot remove " + intf + ": " + busyMessage();
+    if (!transaction.active()) return transaction.failureMessage();
+    const platform::RegResult deleted = Registry("", kRegOpenExisting).deleteTree(intf);
+    if (deleted != platform::kErrorSuccess)
+        return "cannot remove " + intf + ": " + platform::storeFailureMessage(platform::storeFailureOf(deleted));
+    if (!transaction.commit()) return transaction.failureMessage();
     return {};
 }
 

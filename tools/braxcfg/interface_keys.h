@@ -20,7 +20,7 @@ struct InterfaceRow {
     std::vector<std::string> devices;  // device names, in store order
 };
 
-// Every INTF<n> key from INTF0 to the highest number that exists.
+// Every INTF<n> key that exists, by number.
 std::vector<InterfaceRow> readInterfaces();
 
 // "INTF" followed by a decimal number, the prefix in any case (store names
