@@ -11,7 +11,7 @@ packages=(
   clang libclang-rt-14-dev llvm
   libtirpc-dev rpcbind rpcsvc-proto iproute2 util-linux
   python3-pyvisa
-  xvfb xdotool
+  nlohmann-json3-dev xvfb xdotool
 )
 
 missing=()

@@ -4,11 +4,14 @@
 // for their owner on its own stack; a process where no window can be shown
 // opens nothing.
 #include "dialogs/config_choice.h"
+#include "dialogs/done_auto_config.h"
 #include "dialogs/ready_auto_config.h"
+#include "dialogs/show_devices.h"
 #include "entry/braxcfg_app.h"
 #include "store/interface_setup.h"
 #include "ui/dialog_ids.h"
 #include "ui/host_owner.h"
+#include "visacore/visa_types.h"
 
 namespace braxcfg::entry {
 
@@ -48,18 +51,31 @@ void CBraxcfgApp::ConfigureManually(HostWindow parent, const std::string& intf) 
     ShowDeviceList(parent, intf, 1, 1);
 }
 
-// NOT DONE: the device lists (CShowDevices, tcpipshowdev) are not in this
-// tree yet, so no list opens.
-void CBraxcfgApp::ShowDeviceList(HostWindow, const std::string&, int, int) {}
+void CBraxcfgApp::ShowDeviceList(HostWindow parent, const std::string& intf, int editable, int autoAddAllowed) {
+    if (!ui::ensureApplication()) return;
+    const ui::HostOwner owner(parent.nativeHandle());
+    // NOT DONE: the TCPIP list (tcpipshowdev) is not in this tree yet; it
+    // is to be constructed here too, before the type is looked at, and
+    // opened for TCPIP interfaces, which get no list until then.
+    dialogs::CShowDevices devices(owner.widget());
+    std::string rsrcType;
+    if (GetIntfType(intf, rsrcType) == visa::VI_INTF_TCPIP) return;
+    devices.Init(*this, intf, GetVisaName(intf), rsrcType, editable != 0, autoAddAllowed != 0);
+    // The result is not used: OK has written the list itself.
+    devices.doModal();
+}
 
 void CBraxcfgApp::RunAutoConfig(HostWindow parent, const std::string& intf) {
     if (!ui::ensureApplication()) return;
     const ui::HostOwner owner(parent.nativeHandle());
     dialogs::CReadyAutoConfig ready(owner.widget());
+    dialogs::CDoneAutoConfig done(owner.widget());
     ready.m_intfName = GetVisaName(intf);
     if (ready.doModal() != ui::kIdOk) return;
-    // NOT DONE: the result dialog (CDoneAutoConfig), which searches and
-    // records what it finds, is not in this tree yet.
+    // The search runs while the result dialog opens; what it finds is
+    // written to the store at once.
+    done.InitStoreMode(*this, intf, GetVisaName(intf));
+    done.doModal();
 }
 
 }  // namespace braxcfg::entry

@@ -21,6 +21,7 @@
 #include "dialog_test_support.h"
 #include "dialogs/config_choice.h"
 #include "dialogs/ready_auto_config.h"
+#include "dialogs/show_devices.h"
 #include "plugin_store.h"
 #include "platform/registry.h"
 #include "platform/store.h"
@@ -146,9 +147,9 @@ TEST_F(ConfigWindowTest, ConfigureCarriesOutTheChoiceHoweverTheDialogCloses) {
         {"manually",
          [](ModalScript& s) {
              s.expect<dialogs::CConfigChoice>([](auto& d) {
-                 press(d, kChoiceRadios[2]);
-                 press(d, "&Continue");
-             });
+                  press(d, kChoiceRadios[2]);
+                  press(d, "&Continue");
+              }).expect<dialogs::CShowDevices>([](auto& d) { press(d, "OK"); });
          },
          "0"},
         // Escape leaves the preset: identify now, whose question is cancelled.
@@ -160,7 +161,7 @@ TEST_F(ConfigWindowTest, ConfigureCarriesOutTheChoiceHoweverTheDialogCloses) {
               }).expect<dialogs::CReadyAutoConfig>([](auto& d) {
                  EXPECT_EQ(test::shownText(d, "intfNameLabel"), "VXI3");
                  press(d, "Cancel");
-             });
+             }).expect<dialogs::CShowDevices>([](auto& d) { press(d, "Cancel"); });
          },
          "0"},
     };

@@ -9,8 +9,12 @@
 
 #include "command.h"
 #include "dialogs/config_choice.h"
+#include "dialogs/done_auto_config.h"
 #include "dialogs/new_device.h"
 #include "dialogs/ready_auto_config.h"
+#include "dialogs/show_devices.h"
+#include "plugin.h"
+#include "store/config_store.h"
 #include "ui/dialog_ids.h"
 #include "ui/host_owner.h"
 #include "ui/modal.h"
@@ -49,14 +53,23 @@ struct Outcome {
     std::string printed;  // what a person reads after the run
 };
 
-Outcome openNewDevice(const std::string& prefix) {
+// What one dialog is opened with: the value of its option or its operand,
+// and --list.
+struct DialogInput {
+    std::string value;
+    bool list = false;
+};
+
+Outcome openNewDevice(const DialogInput& input) {
+    const std::string& prefix = input.value;
     dialogs::CNewDevice dialog(nullptr);
     dialog.m_prefix = prefix;
     const int result = dialog.doModal();
     return {result, result == ui::kIdOk ? dialog.m_deviceName + "\n" : std::string()};
 }
 
-Outcome openChoice(const std::string& intf) {
+Outcome openChoice(const DialogInput& input) {
+    const std::string& intf = input.value;
     dialogs::CConfigChoice dialog(nullptr);
     dialog.m_intfName = intf;
     dialog.m_choice = 0;
@@ -65,35 +78,87 @@ Outcome openChoice(const std::string& intf) {
     return {result, std::to_string(dialog.m_choice) + "\n"};
 }
 
-Outcome openReady(const std::string& intf) {
+Outcome openReady(const DialogInput& input) {
+    const std::string& intf = input.value;
     dialogs::CReadyAutoConfig dialog(nullptr);
     dialog.m_intfName = intf;
     return {dialog.doModal(), std::string()};
 }
 
+// The device list of an interface as the plug-in opens it: editable, auto
+// add allowed. OK writes the store.
+Outcome openDevices(const DialogInput& input) {
+    const store::ConfigStore store;
+    std::string rsrcType;
+    store.GetIntfType(input.value, rsrcType);
+    dialogs::CShowDevices dialog(nullptr);
+    dialog.Init(store, input.value, store.GetVisaName(input.value), rsrcType, true, true);
+    return {dialog.doModal(), std::string()};
+}
+
+// The search's result dialog. Store mode writes the new devices; list mode
+// works on a device list holding the stored devices, and writes nothing.
+Outcome openAutoConfig(const DialogInput& input) {
+    const store::ConfigStore store;
+    const std::string visaName = store.GetVisaName(input.value);
+    dialogs::CShowDevices deviceList(nullptr);
+    dialogs::CDoneAutoConfig dialog(nullptr);
+    if (input.list) {
+        deviceList.Init(store, input.value, visaName, "INSTR", true, true);
+        int position = 0;
+        for (const std::string& device : store.GetDeviceNames(input.value))
+            deviceList.m_deviceList.insertString(position++, device);
+        dialog.InitListMode(deviceList, input.value, visaName);
+    } else {
+        dialog.InitStoreMode(store, input.value, visaName);
+    }
+    return {dialog.doModal(), std::string()};
+}
+
 struct DialogKind {
     const char* name;
-    const char* option;  // the one value the dialog needs
-    Outcome (*open)(const std::string& value);
+    // The option holding the one value the dialog needs; null when it is
+    // the operand after the dialog's name (an interface key name).
+    const char* option;
+    Outcome (*open)(const DialogInput& input);
 };
 
 constexpr DialogKind kDialogs[] = {
-    {"new-device", "--prefix", openNewDevice},
-    {"choice", "--intf", openChoice},
-    {"ready", "--intf", openReady},
+    {"new-device", "--prefix", openNewDevice},   {"choice", "--intf", openChoice},
+    {"ready", "--intf", openReady},              {"devices", nullptr, openDevices},
+    {"autoconfig", nullptr, openAutoConfig},
 };
+
+// The interface a store-backed dialog opens, checked before any window.
+int prepareInterface(const std::string& intf) {
+    if (const int rc = prepareStore(StoreUse::Write); rc != 0) return rc;
+    if (!store::ConfigStore().IsValidVisaIntf(intf))
+        return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
+    addPluginFolderToModulePath();
+    return 0;
+}
 
 int runDialog(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!splitArgs(args, {}, {"--prefix", "--intf", "--screenshot"}, split, error)) return fail(error);
-    if (split.operands.size() != 1) return fail("expected one dialog: new-device, choice or ready");
+    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--screenshot"}, split, error)) return fail(error);
+    if (split.operands.empty()) return fail("expected one dialog: new-device, choice, ready, devices or autoconfig");
     const DialogKind* kind = nullptr;
     for (const DialogKind& candidate : kDialogs)
         if (split.operands[0] == candidate.name) kind = &candidate;
     if (kind == nullptr) return fail("unknown dialog '" + split.operands[0] + "'");
-    const std::string value = optionValue(split, kind->option);
-    if (value.empty()) return fail(std::string(kind->name) + " needs " + kind->option);
+    DialogInput input;
+    input.list = hasOption(split, "--list");
+    if (kind->option != nullptr) {
+        if (split.operands.size() != 1) return fail("unexpected operands");
+        input.value = optionValue(split, kind->option);
+        if (input.value.empty()) return fail(std::string(kind->name) + " needs " + kind->option);
+    } else {
+        if (split.operands.size() != 2) return fail(std::string(kind->name) + " needs an interface key name, such as INTF0");
+        input.value = split.operands[1];
+        if (const int rc = prepareInterface(input.value); rc != 0) return rc;
+    }
+    if (input.list && std::string(kind->name) != "autoconfig") return fail("--list belongs to 'dialog autoconfig'");
     const std::string screenshot = optionValue(split, "--screenshot");
 
     // A picture needs no display.
@@ -107,10 +172,10 @@ int runDialog(const Args& args) {
 
     if (!screenshot.empty()) {
         const ScreenshotInstead instead(screenshot);
-        kind->open(value);
+        kind->open(input);
         return instead.saved() ? 0 : fail("cannot write " + screenshot);
     }
-    const Outcome outcome = kind->open(value);
+    const Outcome outcome = kind->open(input);
     std::cout << outcome.printed;
     return outcome.result == ui::kIdOk ? 0 : kExitCancel;
 }
@@ -120,12 +185,17 @@ const CommandRegistration kDialog(
      "usage: braxcfg dialog new-device --prefix PREFIX [--screenshot FILE]\n"
      "       braxcfg dialog choice --intf VISANAME [--screenshot FILE]\n"
      "       braxcfg dialog ready --intf VISANAME [--screenshot FILE]\n"
+     "       braxcfg dialog devices INTF [--screenshot FILE]\n"
+     "       braxcfg dialog autoconfig INTF [--list] [--screenshot FILE]\n"
      "Opens the dialog as the plug-in would and waits for a person.\n"
      "  new-device  the new device dialog for an interface prefix such as GPIB0::;\n"
      "              prints the device name after OK\n"
      "  choice      the configuration choice for an interface such as GPIB0, preset to\n"
      "              the recommended method; prints the chosen method 0, 1 or 2\n"
      "  ready       the question before an auto configuration of the interface\n"
+     "  devices     the device list of interface INTF (such as INTF0); OK writes it\n"
+     "  autoconfig  runs the auto-configuration search of INTF and shows its result; the new\n"
+     "              devices are written, or with --list only added to an unseen device list\n"
      "Exit 0 on OK or Continue, 1 on Cancel.\n"
      "--screenshot FILE  save the dialog as a PNG and close it at once (no display needed).\n",
      StoreUse::None, runDialog});

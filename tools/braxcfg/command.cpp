@@ -1,7 +1,10 @@
 #include "command.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
+
+#include "platform/store.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -24,6 +27,19 @@ const std::vector<Command>& registeredCommands() {
     std::sort(commands.begin(), commands.end(),
               [](const Command& a, const Command& b) { return std::string(a.name) < b.name; });
     return commands;
+}
+
+int prepareStore(StoreUse use, const std::string& path) {
+    using namespace platform;
+    if (use == StoreUse::None) return 0;
+    if (path.empty() && std::getenv("BRAXCFG_STORE") != nullptr && *std::getenv("BRAXCFG_STORE") == '\0')
+        return fail("BRAXCFG_STORE is set but empty; name a store file or unset it");
+    const std::string file = path.empty() ? resolveStorePath() : path;
+    const StoreStatus status = openStore(file);
+    if (status.state != StoreOpenState::Open) return fail("cannot use the store " + file + ": " + status.error);
+    if (use == StoreUse::Write && !status.writable)
+        return fail("the store " + file + " is not writable by this user; run as its owner or pass --store PATH");
+    return 0;
 }
 
 int fail(const std::string& message) {

@@ -36,6 +36,11 @@ const std::vector<Command>& registeredCommands();
 inline constexpr int kExitError = 2;
 int fail(const std::string& message);
 
+// Opens the store as `use` needs it (nothing for StoreUse::None): the file
+// `path`, or the one resolveStorePath() names when `path` is empty. 0, or
+// kExitError after saying why the store cannot be used.
+int prepareStore(StoreUse use, const std::string& path = "");
+
 // "--" ends the options; after it every argument is an operand, even an
 // empty one or one that starts with "-".
 struct SplitArgs {
