@@ -72,7 +72,7 @@ protected:
         if (x_.display().empty()) GTEST_SKIP() << "Xvfb did not start";
         // In a sanitizer build the platform libraries' own allocations are not ours to report.
         env_ = {"DISPLAY=" + x_.display(), "QT_QPA_PLATFORM=xcb", "BRAXCFG_STORE=" + store_,
-                "LSAN_OPTIONS=suppressions=" BRAXCFG_SOURCE_DIR "/tests/tool/x11_leaks.supp"};
+                "LSAN_OPTIONS=suppressions=" BRAXCFG_SOURCE_DIR "/tests/tool/lsan_x11.supp"};
         for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(store_ + suffix);
     }
 
