@@ -3,6 +3,7 @@
 // its dialogs driven through their own event loops as a person would.
 #include <gtest/gtest.h>
 
+#include <QDialog>
 #include <QWidget>
 #include <QWindow>
 
@@ -49,6 +50,29 @@ TEST_F(WorkflowExports, EditOpensNothingForTypesWithoutADeviceList) {
         exported<void(HWND, const char*)>("editVisaIntf")(hostHandle(), "INTF0");
         EXPECT_EQ(modals.opened(), std::vector<std::string>{});
         EXPECT_EQ(treeText("INTF0"), before);
+    }
+}
+
+TEST_F(WorkflowExports, EditOpensTheListThatSuitsTheTypeOwnedByTheHost) {
+    const struct { const char* type; const char* list; } cases[] = {
+        {"GPIB", "braxcfg::dialogs::CShowDevices"},
+        {"VXI", "braxcfg::dialogs::CShowDevices"},
+        {"GPIB-VXI", "braxcfg::dialogs::CShowDevices"},
+        {"TCPIP", "braxcfg::tcpip::tcpipshowdev"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.type);
+        clearInterfaces();
+        // With its flag stored, so that the list's start-up has nothing to write.
+        putTree("[INTF0]\n\"VISAName\"=\"" + std::string(c.type) + "0\"\n\"VISAIntfType\"=\"" + c.type +
+                "\"\n\"VISAAutoConfig\"=hex:00\n");
+        const std::string before = treeText("INTF0");
+        ForeignModals modals;
+        modals.then(c.list, owned([](QWidget& list) { qobject_cast<QDialog*>(&list)->reject(); }));
+        exported<void(HWND, const char*)>("editVisaIntf")(hostHandle(), "INTF0");
+        EXPECT_EQ(modals.problems(), std::vector<std::string>{});
+        EXPECT_EQ(modals.opened(), std::vector<std::string>{c.list});
+        EXPECT_EQ(treeText("INTF0"), before) << "Cancel wrote to the store";
     }
 }
 
