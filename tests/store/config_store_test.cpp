@@ -282,6 +282,40 @@ TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {
     EXPECT_NE(treeText("VISAInfo\\DefaultRsrcs\\INSTR"), "<missing>");
 }
 
+// Set-up does not ask whether the interface is valid: a known type without
+// a VISA name is set up as that type says, once; the end of a pass still
+// leaves such keys alone.
+TEST_F(InterfaceSetup, AKeyWithoutVisaNameIsSetUpByItsType) {
+    const struct {
+        const char* tree;  // INTF0 before the set-up
+        const char* after;
+    } cases[] = {
+        {"[INTF0]\n\"VISAName\"=\"\"\n\"VISAIntfType\"=\"GPIB\"\n",
+         "[]\n\"VISAName\"=\"\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n"
+         "\"VISAAutoConfig\"=hex:01\n[VISADev]\n[VISAIntfRsrc]\n[VISAIntfRsrc\\::INTFC]\n"
+         "\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INTFC\"\n"},
+        {"[INTF0]\n\"VISAIntfType\"=\"TCPIP\"\n",
+         "[]\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n\"VISAAutoConfig\"=hex:00\n"
+         "[VISADev]\n[VISAIntfRsrc]\n"},
+        {"[INTF0]\n\"VISAIntfType\"=\"gpib\"\n", "[]\n\"VISAIntfType\"=\"gpib\"\n"},
+        {"", "<missing>"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tree);
+        putTree(std::string("[-INTF0]\n") + c.tree);
+        setupVisaIntf(store_, "INTF0");
+        EXPECT_EQ(treeText("INTF0"), c.after);
+        // Once only, though the validity test reads it as not set up.
+        writeProfile("[Cfg232]\nVISAAutoConfig=True\n");
+        setupVisaIntf(store_, "INTF0");
+        EXPECT_EQ(treeText("INTF0"), c.after);
+        writeProfile(nullptr);
+    }
+    putTree("[-INTF0]\n[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n");
+    doVisaEndStuff(store_);
+    EXPECT_EQ(autoConfigOf("INTF0"), "-");
+}
+
 TEST_F(InterfaceSetup, EndOfPassVisitsTheKeysUpToTheHighestNumber) {
     putInterface("INTF0", "GPIB0", "GPIB");
     putInterface("INTF3", "ASRL1", "ASRL");

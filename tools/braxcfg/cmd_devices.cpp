@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
@@ -76,6 +77,7 @@ int runDevices(const Args& args) {
     const auto& words = split.operands;
     if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
     const std::string& intf = words[0];
+    if (const auto refused = refuseInterfaceKey(intf)) return *refused;
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(forStderr(intf) + " is not a valid VISA interface (no \"VISAName\")");
     const bool hasDeviceList = platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen();
