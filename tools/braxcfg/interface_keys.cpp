@@ -71,6 +71,12 @@ bool isInterfaceKeyName(const std::string& name) {
     return std::all_of(name.begin() + 4, name.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+std::optional<int> refuseWithoutDeviceList(const std::string& intf) {
+    if (Registry(intf + "\\VISADev", kRegOpenExisting).isOpen()) return std::nullopt;
+    std::cerr << "braxcfg: " << intf << " has no device list yet; set it up first: braxcfg setup " << intf << "\n";
+    return 2;
+}
+
 std::optional<int> refuseInterfaceKey(const std::string& intf) {
     if (!isInterfaceKeyName(intf)) {
         std::cerr << "braxcfg: '" << intf << "' is not an interface key name (INTF0, INTF1, ...)\n";

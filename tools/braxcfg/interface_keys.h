@@ -32,6 +32,12 @@ bool isInterfaceKeyName(const std::string& name);
 // a name that is no interface key name, 1 for a key that does not exist).
 std::optional<int> refuseInterfaceKey(const std::string& intf);
 
+// Whether device entries can be written to `intf`: its "VISADev" key is
+// there once the interface is set up, and the store writes no entry without
+// it. Nothing when it is; otherwise the message is on stderr and the result
+// is the exit code 2.
+std::optional<int> refuseWithoutDeviceList(const std::string& intf);
+
 struct NewInterface {
     std::string type;          // a "VISAIntfType" word, in any case
     std::optional<int> board;  // none: the lowest board number not yet used for the type
