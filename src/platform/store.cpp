@@ -5,8 +5,12 @@
 #include <mutex>
 
 #include "platform/debug_output.h"
-#include "platform/sqlite_store_file.h"
 #include "platform/store_unopened_backend.h"
+#ifdef _WIN32
+#include "platform/win32_store_key.h"
+#else
+#include "platform/sqlite_store_file.h"
+#endif
 
 namespace braxcfg::platform {
 namespace {
@@ -87,7 +91,11 @@ RegResult failureFor(StoreOpenState state) {
 }
 
 StoreStatus openLocked(ProcessStore& store, const std::string& path) {
+#ifdef _WIN32
+    RegistryStoreOpening opening = openRegistryStore(path);
+#else
     SqliteStoreOpening opening = openSqliteStore(path);
+#endif
     if (opening.backend) {
         store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
     } else {

@@ -68,7 +68,11 @@ int main(int argc, char** argv) {
     }
     if (!storeOption.empty()) {
         // The plug-in the tool loads reads the same store.
+#ifdef _WIN32
+        _putenv_s("BRAXCFG_STORE", storeOption.c_str());
+#else
         setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
+#endif
     }
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printOverview(std::cout);
