@@ -1,12 +1,19 @@
 #include "temp_store.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
 
 #include "platform/store.h"
+#include "store_files.h"
+
+#ifdef _WIN32
+#include <process.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace braxcfg::test {
 
@@ -19,7 +26,7 @@ std::string testOutputDir(const std::string& sub) {
 namespace {
 
 // Named after the running test, unique within the run.
-std::string freshStorePath() {
+std::string uniqueName() {
     static std::atomic<int> counter{0};
     std::string name = "store";
     if (const auto* info = ::testing::UnitTest::GetInstance()->current_test_info()) {
@@ -27,15 +34,37 @@ std::string freshStorePath() {
         for (char& c : name)
             if (c == '/') c = '_';
     }
-    return testOutputDir("stores") + "/" + name + "-" + std::to_string(getpid()) + "-" + std::to_string(counter++) +
-           ".db";
+    return name + "-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
 }
+
+#ifdef _WIN32
+constexpr const char* kScratchParent = "Software\\braxcfg-tests";
+
+std::string freshStorePath() { return std::string("HKEY_CURRENT_USER\\") + kScratchParent + "\\" + uniqueName(); }
+
+void removeStore(const std::string& path) {
+    const std::string sub = path.substr(std::string("HKEY_CURRENT_USER\\").size());
+    RegDeleteTreeA(HKEY_CURRENT_USER, sub.c_str());
+    RegDeleteKeyA(HKEY_CURRENT_USER, sub.c_str());
+    RegDeleteKeyA(HKEY_CURRENT_USER, kScratchParent);  // once no other test's key is left
+}
+#else
+std::string freshStorePath() { return testOutputDir("stores") + "/" + uniqueName() + ".db"; }
+
+void removeStore(const std::string& path) { removeStoreFiles(path); }
+#endif
 
 }  // namespace
 
-TempStore::TempStore() : files_(freshStorePath()) { reopen(); }
+TempStore::TempStore() : path_(freshStorePath()) {
+    removeStore(path_);
+    reopen();
+}
 
-TempStore::~TempStore() { platform::closeStore(); }
+TempStore::~TempStore() {
+    platform::closeStore();
+    removeStore(path_);
+}
 
 void TempStore::reopen() const {
     const auto status = platform::openStore(path());

@@ -12,6 +12,7 @@
 #include <memory>
 #include <thread>
 
+#include "store_files.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/visa_api.h"
