@@ -170,6 +170,14 @@ std::string upperCased(std::string text) {
     return text;
 }
 
+// Removes a journal, then its parents while they are empty, so a store
+// whose writers all finished shows no trace of them.
+void removeJournal(HKEY root, const std::string& journalPath) {
+    RegDeleteKeyExA(root, journalPath.c_str(), KEY_WOW64_64KEY, 0);
+    RegDeleteKeyExA(root, kJournalsPath, KEY_WOW64_64KEY, 0);
+    RegDeleteKeyExA(root, "SOFTWARE\\braxcfg", KEY_WOW64_64KEY, 0);
+}
+
 bool processAlive(DWORD pid) {
     HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, pid);
     if (!process) return GetLastError() != ERROR_INVALID_PARAMETER;  // exists, but not ours to open
@@ -203,7 +211,8 @@ RegResult UndoJournal::commitScope() {
         return ERROR_SUCCESS;
     }
     nextEntry_ = 0;
-    return RegDeleteKeyExA(root_, journalPath_.c_str(), KEY_WOW64_64KEY, 0);
+    removeJournal(root_, journalPath_);
+    return ERROR_SUCCESS;
 }
 
 void UndoJournal::rollbackScope() {
@@ -211,7 +220,7 @@ void UndoJournal::rollbackScope() {
     replayFrom(root_, journalPath_, scopes_.back().firstEntry);
     nextEntry_ = scopes_.back().firstEntry;
     scopes_.pop_back();
-    if (scopes_.empty()) RegDeleteKeyExA(root_, journalPath_.c_str(), KEY_WOW64_64KEY, 0);
+    if (scopes_.empty()) removeJournal(root_, journalPath_);
 }
 
 RegResult UndoJournal::record(const std::string& entry) {
@@ -266,7 +275,7 @@ void UndoJournal::recoverAbandoned(HKEY__* root) {
         if (pid == GetCurrentProcessId() || processAlive(pid)) continue;
         const std::string path = std::string(kJournalsPath) + "\\" + owner;
         replayFrom(root, path, 0);
-        RegDeleteKeyExA(root, path.c_str(), KEY_WOW64_64KEY, 0);
+        removeJournal(root, path);
     }
 }
 

@@ -20,7 +20,7 @@ namespace braxcfg::test {
 std::string testOutputDir(const std::string& sub) {
     const auto dir = std::filesystem::path(BRAXCFG_TEST_OUTPUT) / sub;
     std::filesystem::create_directories(dir);
-    return dir.string();
+    return dir.generic_string();  // '/' on Windows too: the path goes into .reg text unescaped
 }
 
 namespace {
@@ -42,7 +42,9 @@ constexpr const char* kScratchParent = "Software\\braxcfg-tests";
 
 std::string freshStorePath() { return std::string("HKEY_CURRENT_USER\\") + kScratchParent + "\\" + uniqueName(); }
 
-void removeStore(const std::string& path) {
+}  // namespace
+
+void removeTestStore(const std::string& path) {
     const std::string sub = path.substr(std::string("HKEY_CURRENT_USER\\").size());
     RegDeleteTreeA(HKEY_CURRENT_USER, sub.c_str());
     RegDeleteKeyA(HKEY_CURRENT_USER, sub.c_str());
@@ -51,19 +53,19 @@ void removeStore(const std::string& path) {
 #else
 std::string freshStorePath() { return testOutputDir("stores") + "/" + uniqueName() + ".db"; }
 
-void removeStore(const std::string& path) { removeStoreFiles(path); }
-#endif
-
 }  // namespace
 
+void removeTestStore(const std::string& path) { removeStoreFiles(path); }
+#endif
+
 TempStore::TempStore() : path_(freshStorePath()) {
-    removeStore(path_);
+    removeTestStore(path_);
     reopen();
 }
 
 TempStore::~TempStore() {
     platform::closeStore();
-    removeStore(path_);
+    removeTestStore(path_);
 }
 
 void TempStore::reopen() const {

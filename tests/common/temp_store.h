@@ -23,6 +23,10 @@ private:
     std::string path_;
 };
 
+// Removes the store at `path` (a file and its side files, or on Windows a
+// key below HKEY_CURRENT_USER with everything in it); a missing one is fine.
+void removeTestStore(const std::string& path);
+
 // A folder below the build tree for test output (screenshots, stores).
 std::string testOutputDir(const std::string& sub);
 

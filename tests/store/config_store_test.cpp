@@ -258,7 +258,11 @@ TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
     EXPECT_EQ(serialAutoConfigDefault(), 0);
     writeProfile(nullptr);
     EXPECT_EQ(serialAutoConfigDefault(), 0);
+#ifdef _WIN32
+    EXPECT_EQ(interfaceProfilePath(), base_ + "\\intfcfg\\intfcfg.ini");
+#else
     EXPECT_EQ(interfaceProfilePath(), base_ + "/intfcfg/intfcfg.ini");
+#endif
 }
 
 TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {
