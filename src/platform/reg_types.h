@@ -24,7 +24,9 @@ inline constexpr RegResult kErrorMoreData = 234;
 inline constexpr RegResult kErrorNoMoreItems = 259;
 inline constexpr RegResult kErrorKeyDeleted = 1018;
 inline constexpr RegResult kErrorBadDatabase = 1009;   // ERROR_BADDB: store file corrupt
-inline constexpr RegResult kErrorCantWrite = 1013;     // ERROR_CANTWRITE: store read-only or busy
+inline constexpr RegResult kErrorCantWrite = 1013;     // ERROR_CANTWRITE: store read-only or I/O failure
+inline constexpr RegResult kErrorBusy = 170;           // ERROR_BUSY: another process holds the write lock
+inline constexpr RegResult kErrorDiskFull = 112;       // ERROR_DISK_FULL
 
 inline constexpr RegType kRegNone = 0;
 inline constexpr RegType kRegSz = 1;
@@ -44,6 +46,8 @@ inline constexpr RegAccess kKeyWow64_64Key = 0x0100;
 inline constexpr RegAccess kKeyWow64_32Key = 0x0200;
 
 inline constexpr std::uint32_t kMaxKeyNameLength = 255;
+// Levels of keys below the root that the registry allows.
+inline constexpr std::uint32_t kMaxKeyDepth = 512;
 inline constexpr std::uint32_t kMaxValueNameLength = 16383;
 
 }  // namespace braxcfg::platform

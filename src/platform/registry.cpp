@@ -7,6 +7,7 @@
 #include "platform/debug_output.h"
 #include "platform/product_key.h"
 #include "platform/store.h"
+#include "platform/store_tree.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -101,17 +102,8 @@ void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) 
 }
 
 RegResult Registry::deleteTree(const std::string& subKey) const {
-    {
-        Registry child(key_, subKey, kRegOpenExisting);
-        if (child.isOpen()) {
-            // Deleting the names read once, in order, removes the same keys
-            // as taking index 0 again after every delete.
-            for (const std::string& name : child.subkeyNames())
-                if (child.deleteTree(name) != kErrorSuccess) break;
-        }
-    }
     if (key_ == kNoKey) return kErrorInvalidHandle;
-    return store_.deleteKey(key_, subKey.c_str());
+    return deleteKeyTree(store_, key_, subKey);
 }
 
 void Registry::setString(const std::string& name, const std::string& value) const {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <utility>
 
 #include "platform/debug_output.h"
 #include "platform/sqlite_key_path.h"
@@ -75,6 +76,7 @@ public:
     explicit WriteScope(SqliteBackend& backend) : backend_(backend) {
         if (!backend_.writable_ || backend_.transactionLost()) {
             status_ = kErrorCantWrite;
+            backend_.noteFailedWrite(status_);
             return;
         }
         const char* begin = backend_.depth_ == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT op";
@@ -151,13 +153,29 @@ bool SqliteBackend::transactionLost() const {
 
 RegResult SqliteBackend::sqlFailure(int rc, bool whileWriting) {
     debugOutput("Configuration store: " + db_->lastError() + "\n");
+    RegResult result = kErrorBadDatabase;
     switch (rc & 0xFF) {
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
             return kErrorBadDatabase;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            result = kErrorBusy;
+            break;
+        case SQLITE_FULL:
+            result = kErrorDiskFull;
+            break;
         default:
-            return whileWriting ? kErrorCantWrite : kErrorBadDatabase;
+            result = whileWriting ? kErrorCantWrite : kErrorBadDatabase;
     }
+    if (whileWriting) noteFailedWrite(result);
+    return result;
+}
+
+// A write that failed inside a held transaction makes the whole transaction
+// fail at its commit: a list is written whole or not at all.
+void SqliteBackend::noteFailedWrite(RegResult failure) {
+    if (depth_ > 0 && failedWrite_ == kErrorSuccess) failedWrite_ = failure;
 }
 
 HKey SqliteBackend::newHandle(std::int64_t id) {
@@ -494,9 +512,17 @@ RegResult SqliteBackend::commitTransaction() {
     --depth_;
     if (lost) {
         forgetKeysAfter(startId);
-        return kErrorCantWrite;
+        const RegResult failed = failedWrite_ != kErrorSuccess ? failedWrite_ : kErrorCantWrite;
+        if (depth_ == 0) failedWrite_ = kErrorSuccess;
+        return failed;
     }
-    if (depth_ > 0) return run("RELEASE nest") ? kErrorSuccess : kErrorCantWrite;
+    if (depth_ > 0) return !run("RELEASE nest") ? kErrorCantWrite : failedWrite_;
+    if (const RegResult failed = std::exchange(failedWrite_, kErrorSuccess); failed != kErrorSuccess) {
+        run("ROLLBACK");
+        ++localStamp_;
+        forgetKeysAfter(startId);
+        return failed;
+    }
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
@@ -514,6 +540,7 @@ void SqliteBackend::rollbackTransaction() {
     --depth_;
     ++localStamp_;
     forgetKeysAfter(startId);
+    if (depth_ == 0) failedWrite_ = kErrorSuccess;
     if (lost) return;
     if (depth_ == 0) {
         run("ROLLBACK");

@@ -81,6 +81,7 @@ private:
     HKey newHandle(std::int64_t id);
     std::int64_t dataVersion();
     RegResult sqlFailure(int rc, bool whileWriting);
+    void noteFailedWrite(RegResult failure);
     bool run(const char* sql);
     // A statement failed in a way that ended a held transaction behind our
     // back; nothing more may run until the scope is closed.
@@ -94,6 +95,7 @@ private:
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
+    RegResult failedWrite_ = kErrorSuccess;  // first write that failed inside them
     std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
     std::uint64_t localStamp_ = 1; // bumped on every change made or undone here
     std::unordered_map<HKey, OpenKey> handles_;

@@ -40,55 +40,91 @@ std::string folderOf(const std::string& path) {
     return parent.empty() ? std::string(".") : parent.string();
 }
 
-// A new store file gets mode 0644 whatever the umask: only its owner
-// writes it, everybody reads it.
-bool createEmptyStoreFile(const std::string& path, std::string* error) {
+std::string uriEncoded(const std::string& path);
+std::optional<Failure> openForWriting(const std::string& path, SqliteConnection& db);
+
+// Creates the folders of `folder` that are missing, each 0755 whatever the
+// umask.
+bool createFolders(const std::string& folder, std::string* error) {
     std::error_code ec;
-    std::filesystem::create_directories(folderOf(path), ec);
-    if (ec) {
-        *error = "cannot create the folder " + folderOf(path) + ": " + ec.message();
-        return false;
+    const std::filesystem::path wanted = std::filesystem::absolute(folder, ec);
+    std::filesystem::path built;
+    for (const auto& part : wanted) {
+        built /= part;
+        if (::mkdir(built.c_str(), 0755) == 0) {
+            ::chmod(built.c_str(), 0755);
+        } else if (errno != EEXIST) {
+            *error = "cannot create the folder " + built.string() + ": " + std::strerror(errno);
+            return false;
+        }
     }
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    return true;
+}
+
+// A new store is built complete under a private name and then linked into
+// place, so nobody ever sees a store file that is empty or half set up,
+// and no existing file or symbolic link at `path` is ever written through.
+// It gets mode 0644 whatever the umask: only its owner writes it.
+bool createStoreFile(const std::string& path, std::string* error) {
+    if (!createFolders(folderOf(path), error)) return false;
+    std::string temp = folderOf(path) + "/.registry-new-XXXXXX";
+    const int fd = ::mkstemp(temp.data());
     if (fd < 0) {
-        if (errno == EEXIST) return true;  // another process was quicker
-        *error = "cannot create " + path + ": " + std::strerror(errno);
+        *error = "cannot create a store in " + folderOf(path) + ": " + std::strerror(errno);
         return false;
     }
     ::fchmod(fd, 0644);
     ::close(fd);
+    bool built = false;
+    {
+        SqliteConnection db;
+        built = db.open(uriEncoded(temp), SQLITE_OPEN_READWRITE) == SQLITE_OK;
+        if (built) {
+            const auto failure = openForWriting(temp, db);
+            built = !failure;
+            if (failure) *error = "cannot set up a new store: " + failure->error;
+        } else {
+            *error = "cannot set up a new store: " + db.lastError();
+        }
+    }
+    const bool linked = built && ::link(temp.c_str(), path.c_str()) == 0;
+    const int linkErrno = errno;
+    for (const char* suffix : {"", "-wal", "-shm"}) ::unlink((temp + suffix).c_str());
+    if (!built) return false;
+    if (!linked && linkErrno != EEXIST) {  // EEXIST: another process was quicker
+        *error = "cannot create " + path + ": " + std::strerror(linkErrno);
+        return false;
+    }
     return true;
-}
-
-std::uint32_t bigEndian32(const unsigned char* p) {
-    return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
 }
 
 // Looks at the file header without SQLite, so a file that is not a store
 // is never handed to code that might write to it. Empty when it looks sound.
 std::string headerProblem(int fd, off_t size) {
-    if (size == 0) return {};  // a new, empty store
     std::array<unsigned char, kHeaderSize> header{};
     if (size < static_cast<off_t>(kHeaderSize) || ::pread(fd, header.data(), header.size(), 0) !=
                                                        static_cast<ssize_t>(header.size()))
-        return "the file is too short to be a store";
+        return size == 0 ? "the file is empty, not a store (remove it to have a new store made)"
+                         : "the file is too short to be a store";
     if (std::memcmp(header.data(), kSqliteMagic, sizeof kSqliteMagic) != 0)
         return "the file is not a store (unknown header)";
     std::uint32_t pageSize = (std::uint32_t{header[16]} << 8) | header[17];
     if (pageSize == 1) pageSize = 65536;
     if (pageSize < 512 || (pageSize & (pageSize - 1)) != 0) return "the header is damaged (page size)";
-    // The page count in the header is only meaningful when it was written by
-    // the same change as the counter that validates it.
-    const std::uint32_t pages = bigEndian32(&header[28]);
-    const bool pagesValid = bigEndian32(&header[24]) == bigEndian32(&header[92]) && pages != 0;
-    if (pagesValid && static_cast<std::uint64_t>(pages) * pageSize > static_cast<std::uint64_t>(size))
-        return "the file is truncated";
+    // Whether the pages are all there is SQLite's to judge: in WAL mode the
+    // newest pages, and the page count that counts them, may still be only
+    // in the log, so the main file alone can look short while it is sound.
     return {};
 }
 
+// The file name as an SQLite URI, so that no file name is ever read as
+// options ("file:x?mode=memory" is a file of that name): absolute, with an
+// empty authority, and the characters a URI gives meaning to escaped.
 std::string uriEncoded(const std::string& path) {
-    std::string uri = "file:";
-    for (const char c : path) {
+    std::error_code ec;
+    const std::string absolute = std::filesystem::absolute(path, ec).string();
+    std::string uri = "file://";
+    for (const char c : ec ? path : absolute) {
         if (c == '?' || c == '#' || c == '%') {
             static const char hex[] = "0123456789ABCDEF";
             uri += '%';
@@ -132,7 +168,7 @@ std::optional<Failure> openChecked(const std::string& path, SqliteConnection& db
     int rc = SQLITE_OK;
     std::string verdict;
     for (const bool immutable : {false, true}) {
-        const std::string name = immutable ? uriEncoded(path) + "?immutable=1" : path;
+        const std::string name = uriEncoded(path) + (immutable ? "?immutable=1" : "");
         rc = db.open(name, SQLITE_OPEN_READONLY);
         if (rc == SQLITE_OK) {
             sqlite3_busy_timeout(db.handle(), kBusyTimeoutMs);
@@ -154,7 +190,7 @@ bool writableByUs(const std::string& path) {
 }
 
 std::optional<Failure> openForWriting(const std::string& path, SqliteConnection& db) {
-    if (db.open(path, SQLITE_OPEN_READWRITE) != SQLITE_OK)
+    if (db.open(uriEncoded(path), SQLITE_OPEN_READWRITE) != SQLITE_OK)
         return Failure{StoreOpenState::Unreadable, "cannot open the store: " + db.lastError()};
     sqlite3_busy_timeout(db.handle(), kBusyTimeoutMs);
     // Keep the log files after the last writer closes, so readers without
@@ -175,12 +211,13 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
 }  // namespace
 
 SqliteStoreOpening openSqliteStore(const std::string& path) {
+    if (path.empty()) return failed(path, StoreOpenState::Missing, "no store file named (the path is empty)");
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) {
         if (errno != ENOENT && errno != ENOTDIR)
             return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
         std::string error;
-        if (!createEmptyStoreFile(path, &error)) return failed(path, StoreOpenState::Missing, error);
+        if (!createStoreFile(path, &error)) return failed(path, StoreOpenState::Missing, error);
         if (::stat(path.c_str(), &info) != 0)
             return failed(path, StoreOpenState::Missing, path + ": " + std::strerror(errno));
     }

@@ -90,12 +90,32 @@ RegResult failureFor(StoreOpenState state) {
     }
 }
 
-StoreStatus openLocked(ProcessStore& store, const std::string& path) {
+// The store itself: the registry on Windows, an SQLite file elsewhere.
 #ifdef _WIN32
-    RegistryStoreOpening opening = openRegistryStore(path);
+using StoreOpening = RegistryStoreOpening;
+StoreOpening openBackend(const std::string& path) { return openRegistryStore(path); }
 #else
-    SqliteStoreOpening opening = openSqliteStore(path);
+using StoreOpening = SqliteStoreOpening;
+StoreOpening openBackend(const std::string& path) { return openSqliteStore(path); }
 #endif
+
+// The machine-wide store decides where modules are loaded from ("BaseDir"):
+// one that anybody but root could have changed is not used at all.
+StoreOpening openChecked(const std::string& path) {
+    const bool machineWide = isMachineWideStore(path);
+    std::string problem = machineWide ? machineWideStoreProblem() : std::string();
+    StoreOpening opening;
+    if (problem.empty()) opening = openBackend(path);
+    if (problem.empty() && machineWide && opening.backend) problem = machineWideStoreProblem();
+    if (!problem.empty()) {
+        opening.backend.reset();
+        opening.status = StoreStatus{StoreOpenState::Unreadable, false, path, problem};
+    }
+    return opening;
+}
+
+StoreStatus openLocked(ProcessStore& store, const std::string& path) {
+    StoreOpening opening = openChecked(path);
     if (opening.backend) {
         store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
     } else {
@@ -139,10 +159,41 @@ const StoreStatus& currentStoreStatus() { return openedProcessStore().status; }
 
 std::uint64_t storeGeneration() { return processStore().generation.load(); }
 
+StoreFailure storeFailureOf(RegResult result) {
+    switch (result) {
+        case kErrorSuccess: return StoreFailure::None;
+        case kErrorBusy: return StoreFailure::Busy;
+        case kErrorDiskFull: return StoreFailure::DiskFull;
+        case kErrorCantWrite:
+        case kErrorAccessDenied: return StoreFailure::ReadOnly;
+        default: return StoreFailure::Other;
+    }
+}
+
+std::string storeFailureMessage(StoreFailure failure, const std::string& storePath) {
+    const std::string store = "the store " + storePath;
+    switch (failure) {
+        case StoreFailure::None: return {};
+        case StoreFailure::Busy: return store + " is busy (another program is changing it), try again; nothing was changed";
+        case StoreFailure::DiskFull: return store + " cannot be written: the disk is full; nothing was changed";
+        case StoreFailure::ReadOnly: return store + " cannot be written by this user; nothing was changed";
+        case StoreFailure::Other: break;
+    }
+    return store + " could not be written (damaged or I/O error); nothing was changed";
+}
+
+std::string storeFailureMessage(StoreFailure failure) {
+    ProcessStore& store = processStore();
+    std::lock_guard lock(store.mutex);
+    return storeFailureMessage(failure, store.status.path);
+}
+
 StoreTransaction::StoreTransaction() : StoreTransaction(currentStore()) {}
 
 StoreTransaction::StoreTransaction(StoreBackend& store) : store_(store) {
-    active_ = store_.beginTransaction() == kErrorSuccess;
+    const RegResult result = store_.beginTransaction();
+    active_ = result == kErrorSuccess;
+    if (!active_) noteFailure(result, "could not start");
 }
 
 StoreTransaction::~StoreTransaction() {
@@ -152,7 +203,15 @@ StoreTransaction::~StoreTransaction() {
 bool StoreTransaction::commit() {
     if (!active_) return false;
     active_ = false;
-    return store_.commitTransaction() == kErrorSuccess;
+    const RegResult result = store_.commitTransaction();
+    if (result != kErrorSuccess) noteFailure(result, "was rolled back");
+    return result == kErrorSuccess;
+}
+
+void StoreTransaction::noteFailure(RegResult result, const char* what) {
+    failure_ = storeFailureOf(result);
+    debugOutput(std::string("Configuration store: a change ") + what + ", nothing of it was written (" +
+                storeFailureMessage(failure_) + ")\n");
 }
 
 }  // namespace braxcfg::platform

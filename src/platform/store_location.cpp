@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -14,19 +15,47 @@ std::string environment(const char* name) {
 }
 
 // The machine-wide store is used when it is there, or when this process
-// (root) can make its folder; everybody else falls back to their own.
+// (root) can make its folder; everybody else falls back to their own. The
+// folder is made 0755 whatever the umask.
 bool machineWideStoreUsable() {
     const std::filesystem::path file(machineWideStorePath());
     std::error_code ec;
-    if (std::filesystem::exists(file, ec)) return true;
+    if (std::filesystem::exists(std::filesystem::symlink_status(file, ec))) return true;
     if (::geteuid() != 0) return false;
-    std::filesystem::create_directories(file.parent_path(), ec);
-    return !ec && std::filesystem::is_directory(file.parent_path(), ec);
+    const std::filesystem::path folder = file.parent_path();
+    std::filesystem::create_directories(folder.parent_path(), ec);
+    if (::mkdir(folder.c_str(), 0755) == 0) ::chmod(folder.c_str(), 0755);
+    return std::filesystem::is_directory(folder, ec);
+}
+
+// Empty when only root can change `path` (owned by root, not writable by
+// group or others; the file itself no symbolic link).
+std::string rootOnlyProblem(const std::string& path, bool folder) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) return {};  // not there (yet)
+    if (folder ? !S_ISDIR(info.st_mode) : !S_ISREG(info.st_mode))
+        return path + (folder ? " is not a folder" : " is not a regular file");
+    if (info.st_uid != 0) return path + " is not owned by root";
+    if ((info.st_mode & (S_IWGRP | S_IWOTH)) != 0) return path + " is writable by group or others";
+    return {};
 }
 
 }  // namespace
 
 std::string machineWideStorePath() { return "/var/lib/braxcfg/registry.db"; }
+
+bool isMachineWideStore(const std::string& path) {
+    return std::filesystem::path(path).lexically_normal() == std::filesystem::path(machineWideStorePath());
+}
+
+std::string machineWideStoreProblem() {
+    const std::string file = machineWideStorePath();
+    std::string problem = rootOnlyProblem(std::filesystem::path(file).parent_path().string(), true);
+    if (problem.empty()) problem = rootOnlyProblem(file, false);
+    if (problem.empty()) return {};
+    return "the machine-wide store is refused: " + problem + " (it must be root's alone: owned by root, "
+           "folder 0755, file 0644)";
+}
 
 std::string perUserStorePath() {
     std::string state = environment("XDG_STATE_HOME");
@@ -38,7 +67,8 @@ std::string perUserStorePath() {
 }
 
 std::string resolveStorePath() {
-    if (std::string chosen = environment("BRAXCFG_STORE"); !chosen.empty()) return chosen;
+    // Set but empty names no store: it is refused, not taken as unset.
+    if (std::getenv("BRAXCFG_STORE") != nullptr) return environment("BRAXCFG_STORE");
     return machineWideStoreUsable() ? machineWideStorePath() : perUserStorePath();
 }
 

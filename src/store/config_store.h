@@ -4,10 +4,14 @@
 // product key. The application object offers these to everything above it,
 // so dialogs take a ConfigStore& and never reach the entry layer.
 //
-// Failures are silent: a missing key reads as empty/false/0 and writes to
-// it are skipped. Interfaces are named by their key name, "INTF<n>".
+// A missing key reads as empty/false/0 and writes to it are skipped.
+// Operations that rewrite a list do it in one transaction and return why
+// nothing was written when it could not start or commit (None: written, or
+// nothing to write). Interfaces are named by their key name, "INTF<n>".
 #include <cstdint>
 #include <string>
+
+#include "platform/store.h"
 
 namespace braxcfg::store {
 
@@ -28,23 +32,23 @@ public:
     int IsVisaIntfSetup(const std::string& intf) const;
     // Marks the interface set up (once only) and creates its interface
     // resources from "DefaultIntfRsrcs".
-    void SetupIntfEntries(const std::string& intf, int autoConfig) const;
+    platform::StoreFailure SetupIntfEntries(const std::string& intf, int autoConfig) const;
 
     // --- device and interface-resource entries ---
     // The last text is accepted and not used; callers pass "".
-    void AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
-                        const std::string& unused) const;
-    void ClearDevices(const std::string& intf) const;
+    platform::StoreFailure AddDeviceEntry(const std::string& intf, const std::string& device,
+                                          const std::string& classFilter, const std::string& unused) const;
+    platform::StoreFailure ClearDevices(const std::string& intf) const;
     std::string GetDeviceName(const std::string& intf, std::uint32_t index) const;
     std::string GetDeviceRsrcName(const std::string& intf, const std::string& device,
                                   std::uint32_t index) const;
     int IsAutoConfig(const std::string& intf) const;
     void SetAutoConfig(const std::string& intf, int flag) const;
-    void RenameIntfEntries(const std::string& intf) const;
+    platform::StoreFailure RenameIntfEntries(const std::string& intf) const;
 
     // --- VISA information block ---
     // Writes the block on its first call in the process only.
-    void WriteVisaInfoDefaults() const;
+    platform::StoreFailure WriteVisaInfoDefaults() const;
 };
 
 // Resets the "written once" flag of WriteVisaInfoDefaults (tests).

@@ -6,6 +6,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/list_rewrite.h"
 
 namespace braxcfg::store {
 namespace {
@@ -26,9 +27,9 @@ void writeResourceEntry(const Registry& device, const std::string& entryName, co
 
 }  // namespace
 
-void ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& device, const std::string& classFilter,
-                                 const std::string& /*unused*/) const {
-    platform::StoreTransaction transaction;
+platform::StoreFailure ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& device,
+                                                   const std::string& classFilter, const std::string& /*unused*/) const {
+    return rewriteList([&] {
     const Registry intfKey(intf, kRegOpenExisting);
     const Registry devices(intfKey.handle(), "VISADev", kRegOpenExisting);
     const Registry deviceKey(devices.handle(), device, kRegOpenOrCreate);
@@ -40,15 +41,15 @@ void ConfigStore::AddDeviceEntry(const std::string& intf, const std::string& dev
         if (!classFilter.empty() && classFilter != className) continue;
         writeResourceEntry(deviceKey, device + "::" + className, classKey, typeWord);
     }
-    transaction.commit();
+    });
 }
 
-void ConfigStore::ClearDevices(const std::string& intf) const {
-    platform::StoreTransaction transaction;
-    const Registry intfKey(intf, kRegOpenExisting);
-    intfKey.deleteTree("VISADev");
-    const Registry devices(intfKey.handle(), "VISADev", kRegOpenOrCreate);
-    transaction.commit();
+platform::StoreFailure ConfigStore::ClearDevices(const std::string& intf) const {
+    return rewriteList([&] {
+        const Registry intfKey(intf, kRegOpenExisting);
+        intfKey.deleteTree("VISADev");
+        const Registry devices(intfKey.handle(), "VISADev", kRegOpenOrCreate);
+    });
 }
 
 std::string ConfigStore::GetDeviceName(const std::string& intf, std::uint32_t index) const {

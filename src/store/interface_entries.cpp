@@ -2,6 +2,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/list_rewrite.h"
 #include "visacore/config/reg_visa_config.h"
 #include "visacore/interface_types.h"
 
@@ -59,15 +60,15 @@ int ConfigStore::IsVisaIntfSetup(const std::string& intf) const {
     return Registry(intf, kRegOpenExisting).valueExists("VISAAutoConfigDriver") ? 1 : 0;
 }
 
-void ConfigStore::SetupIntfEntries(const std::string& intf, int autoConfig) const {
-    platform::StoreTransaction transaction;
-    Registry key(intf, kRegOpenExisting);
-    if (key.valueExists("VISAAutoConfigDriver")) return;
-    key.setString("VISAAutoConfigDriver", "AUTOCF");
-    key.setBool("VISAAutoConfig", autoConfig != 0);
-    Registry devices(key.handle(), "VISADev", kRegOpenOrCreate);
-    createInterfaceResources(key);
-    transaction.commit();
+platform::StoreFailure ConfigStore::SetupIntfEntries(const std::string& intf, int autoConfig) const {
+    return rewriteList([&] {
+        Registry key(intf, kRegOpenExisting);
+        if (key.valueExists("VISAAutoConfigDriver")) return;
+        key.setString("VISAAutoConfigDriver", "AUTOCF");
+        key.setBool("VISAAutoConfig", autoConfig != 0);
+        Registry devices(key.handle(), "VISADev", kRegOpenOrCreate);
+        createInterfaceResources(key);
+    });
 }
 
 }  // namespace braxcfg::store

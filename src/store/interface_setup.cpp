@@ -6,6 +6,8 @@
 #include "platform/product_settings.h"
 #include "platform/profile_reader.h"
 #include "platform/registry.h"
+#include "platform/store.h"
+#include "visacore/config/reg_visa_config.h"
 #include "visacore/visa_types.h"
 
 namespace braxcfg::store {
@@ -21,37 +23,13 @@ constexpr char kPathSeparator = '/';
 constexpr std::size_t kProfileValueChars = 1200;
 
 char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-// The number n when `name` opens as "INTF<n>" (names ignore case, <n> is
-// written without leading zeros and fits an int); nothing otherwise.
-std::optional<long long> interfaceNumberOf(const std::string& name) {
-    static constexpr char kPrefix[] = "INTF";
-    if (name.size() <= 4 || name.size() > 14) return std::nullopt;
-    for (std::size_t i = 0; i < 4; ++i)
-        if (asciiUpper(name[i]) != kPrefix[i]) return std::nullopt;
-    if (name[4] == '0' && name.size() > 5) return std::nullopt;
-    long long number = 0;
-    for (std::size_t i = 4; i < name.size(); ++i) {
-        if (name[i] < '0' || name[i] > '9') return std::nullopt;
-        number = number * 10 + (name[i] - '0');
-    }
-    if (number > INT32_MAX) return std::nullopt;
-    return number;
-}
 
 // The smallest n >= from whose key "INTF<n>" exists: the numbers between
 // have no key, so visiting them would do nothing.
 std::optional<long long> nextInterfaceNumber(long long from) {
-    const platform::Registry root("", platform::kRegOpenExisting);
-    std::optional<long long> best;
-    for (std::uint32_t index = 0;; ++index) {
-        const std::string name = root.enumKey(index);
-        if (name.empty()) break;
-        const auto number = interfaceNumberOf(name);
-        if (number && *number >= from && (!best || *number < *best)) best = number;
-    }
-    return best;
+    for (const int number : visa::existingIntfNumbers())
+        if (number >= from) return number;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -69,13 +47,15 @@ int serialAutoConfigDefault() {
     return text == "true" || text == "yes" || text == "1" ? 1 : 0;
 }
 
-void configureAtRunTime(const ConfigStore& store, const std::string& intf) { store.SetupIntfEntries(intf, 1); }
+platform::StoreFailure configureAtRunTime(const ConfigStore& store, const std::string& intf) {
+    return store.SetupIntfEntries(intf, 1);
+}
 
-void setupVisaIntf(const ConfigStore& store, const std::string& intf) {
-    store.WriteVisaInfoDefaults();
+platform::StoreFailure setupVisaIntf(const ConfigStore& store, const std::string& intf) {
+    if (const auto failure = store.WriteVisaInfoDefaults(); failure != platform::StoreFailure::None) return failure;
     // An interface without a VISA name is no interface to set up, whatever
     // type it claims; one already set up keeps its choice.
-    if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return;
+    if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return platform::StoreFailure::None;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
         case visa::VI_INTF_GPIB:
@@ -84,32 +64,32 @@ void setupVisaIntf(const ConfigStore& store, const std::string& intf) {
         case visa::VI_INTF_PXI:
         case visa::VI_INTF_USB:
         case visa::VI_INTF_RSIB:
-            configureAtRunTime(store, intf);
-            break;
+            return configureAtRunTime(store, intf);
         case visa::VI_INTF_ASRL:
-            store.SetupIntfEntries(intf, serialDefault);
-            break;
+            return store.SetupIntfEntries(intf, serialDefault);
         case visa::VI_INTF_TCPIP:
             // LAN resources are entered by hand and kept in the store.
-            store.SetupIntfEntries(intf, 0);
-            break;
+            return store.SetupIntfEntries(intf, 0);
         default:
-            break;
+            return platform::StoreFailure::None;
     }
 }
 
-void doVisaEndStuff(const ConfigStore& store) {
-    store.WriteVisaInfoDefaults();
+platform::StoreFailure doVisaEndStuff(const ConfigStore& store) {
+    if (const auto failure = store.WriteVisaInfoDefaults(); failure != platform::StoreFailure::None) return failure;
     // The highest number is read again every round, so that interfaces added
-    // meanwhile are visited too.
+    // meanwhile are visited too. INTF0 is always visited, as a pass from 0
+    // up to the highest number would. A change that could not be written
+    // ends the pass: the next would wait for the same lock.
     for (long long next = 0;;) {
         const int max = store.GetMaxIntfNum();
         const auto number = nextInterfaceNumber(next);
-        if (!number || *number > max) return;
+        if (!number || *number > max) return platform::StoreFailure::None;
         const std::string intf = "INTF" + std::to_string(*number);
         if (store.IsValidVisaIntf(intf)) {
-            store.RenameIntfEntries(intf);
-            store.SetupIntfEntries(intf, 0);
+            auto failure = store.RenameIntfEntries(intf);
+            if (failure == platform::StoreFailure::None) failure = store.SetupIntfEntries(intf, 0);
+            if (failure != platform::StoreFailure::None) return failure;
         }
         next = *number + 1;
     }

@@ -18,15 +18,17 @@ std::string interfaceProfilePath();
 int serialAutoConfigDefault();
 
 // Sets the interface up so that its devices are identified at run time.
-void configureAtRunTime(const ConfigStore& store, const std::string& intf);
+platform::StoreFailure configureAtRunTime(const ConfigStore& store, const std::string& intf);
 
 // First set-up of a new valid interface, once only: serial interfaces take
 // the profile's default, TCPIP keeps its devices in the store, every other
 // known type is identified at run time, unknown types are left alone.
-void setupVisaIntf(const ConfigStore& store, const std::string& intf);
+// Returns why nothing was written when the store refused the change.
+platform::StoreFailure setupVisaIntf(const ConfigStore& store, const std::string& intf);
 
 // End of a configuration pass: renames stale entries of every valid
-// INTF<n> key and sets up any that is not yet.
-void doVisaEndStuff(const ConfigStore& store);
+// INTF<n> key and sets up any that is not yet. Stops at the first change
+// the store refuses (busy, disk full) and returns why.
+platform::StoreFailure doVisaEndStuff(const ConfigStore& store);
 
 }  // namespace braxcfg::store

@@ -2,13 +2,16 @@
 // name at the end of a configuration pass: when an interface's board
 // number changes (GPIB1 becomes GPIB0), its "VISADev" and "VISAIntfRsrc"
 // entries still carry the old prefix and the run time would not find them.
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/debug_output.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/list_rewrite.h"
 
 namespace braxcfg::store {
 namespace {
@@ -56,6 +59,24 @@ void forEachValue(const Registry& key, Fn fn) {
             return;
         fn(std::string(name.data(), cch), type);
     }
+}
+
+// True when `key` has keys more than `levels` levels below it. Read level by
+// level, without recursion, so any depth is safe to look at.
+bool deeperThan(const Registry& key, std::size_t levels) {
+    std::vector<std::unique_ptr<Registry>> level;
+    std::vector<const Registry*> parents{&key};
+    for (std::size_t depth = 0; !parents.empty(); ++depth) {
+        std::vector<std::unique_ptr<Registry>> next;
+        for (const Registry* parent : parents)
+            for (const std::string& child : parent->subkeyNames())
+                next.push_back(std::make_unique<Registry>(parent->handle(), child, kRegOpenExisting));
+        if (!next.empty() && depth + 1 > levels) return true;
+        level = std::move(next);
+        parents.clear();
+        for (const auto& child : level) parents.push_back(child.get());
+    }
+    return false;
 }
 
 // Most entries have nothing left below them once their subkeys are renamed:
@@ -147,6 +168,14 @@ private:
             const std::string entry = names[next++];
             if (isInLine(entry, visaName_)) continue;
             const std::string newName = inLineName(entry, visaName_);
+            // The copy walks the entry's tree by recursion; a tree deeper than
+            // the registry allows (only a foreign tool makes one) is left as
+            // it is, like an entry that cannot be deleted.
+            if (inPlace && deeperThan(Registry(source.handle(), entry, kRegOpenExisting), platform::kMaxKeyDepth)) {
+                platform::debugOutput("Entry " + entry + " is nested too deep to be renamed\n");
+                result.stoppedAt = entry;
+                return result;
+            }
             {
                 const Registry from(source.handle(), entry, kRegOpenExisting);
                 const Registry to(destination.handle(), newName, kRegOpenOrCreate);
@@ -185,15 +214,15 @@ private:
 
 }  // namespace
 
-void ConfigStore::RenameIntfEntries(const std::string& intf) const {
-    platform::StoreTransaction transaction;
-    if (!IsValidVisaIntf(intf)) return;
-    const ListRepair repair(GetVisaName(intf));
-    for (const char* list : {"\\VISADev", "\\VISAIntfRsrc"}) {
-        const Registry key(intf + list, kRegOpenExisting);
-        repair.repairList(key);
-    }
-    transaction.commit();
+platform::StoreFailure ConfigStore::RenameIntfEntries(const std::string& intf) const {
+    return rewriteList([&] {
+        if (!IsValidVisaIntf(intf)) return;
+        const ListRepair repair(GetVisaName(intf));
+        for (const char* list : {"\\VISADev", "\\VISAIntfRsrc"}) {
+            const Registry key(intf + list, kRegOpenExisting);
+            repair.repairList(key);
+        }
+    });
 }
 
 }  // namespace braxcfg::store

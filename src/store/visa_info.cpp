@@ -11,6 +11,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/list_rewrite.h"
 #include "store/visa_info.h"
 
 namespace braxcfg::store {
@@ -143,11 +144,11 @@ std::string ctimeText(std::time_t when) {
     return text;
 }
 
-void ConfigStore::WriteVisaInfoDefaults() const {
+platform::StoreFailure ConfigStore::WriteVisaInfoDefaults() const {
     // Set before the first write: a failure part-way is not retried by the
-    // same process.
-    if (visaInfoWritten.exchange(true)) return;
-    platform::StoreTransaction transaction;
+    // same process (the caller still learns of it).
+    if (visaInfoWritten.exchange(true)) return platform::StoreFailure::None;
+    return rewriteList([] {
     const Registry visaInfo("VISAInfo", kRegOpenOrCreate);
     writeIdentification(visaInfo);
     writeTable(visaInfo, "DefaultRsrcs", "Resources to load during auto-connect and configuration ADD functions",
@@ -157,7 +158,7 @@ void ConfigStore::WriteVisaInfoDefaults() const {
                kInterfaceClasses);
     removeTriggerClasses(visaInfo);
     writeMissingLimits(visaInfo);
-    transaction.commit();
+    });
 }
 
 void resetVisaInfoWrittenFlag() { visaInfoWritten = false; }

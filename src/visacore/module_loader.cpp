@@ -11,6 +11,7 @@
 
 #include "platform/debug_output.h"
 #include "platform/product_settings.h"
+#include "visacore/load_trust.h"
 
 namespace braxcfg::visa {
 namespace {
@@ -73,7 +74,12 @@ std::string findModuleFile(const std::string& module) {
         for (const std::string& name : moduleFileNames(module)) {
             const fs::path file = fs::path(dir) / name;
             std::error_code ec;
-            if (fs::is_regular_file(file, ec)) return file.string();
+            if (!fs::is_regular_file(file, ec)) continue;
+            // A module others could have placed or changed is passed over,
+            // as if it were not there.
+            std::string why;
+            if (trustedForLoading(file.string(), why)) return file.string();
+            platform::debugOutput("osLoadEntryPoint: " + why + "\n");
         }
     }
     return {};

@@ -8,7 +8,9 @@
 //      own directory),
 //   3. the product's "BaseDir", when it is absolute.
 // Never the working directory. In each directory module "AUTOCF" is the
-// file libautocf.so, else AUTOCF.so.
+// file libautocf.so, else AUTOCF.so. A file that is not trustedForLoading
+// (owned by root or this user, writable by nobody else, nor its directories)
+// is passed over.
 #include <string>
 #include <vector>
 

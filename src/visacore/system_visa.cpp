@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "visacore/load_trust.h"
 #include "visacore/probe_timeout.h"
 
 namespace braxcfg::visa {
@@ -84,6 +85,7 @@ std::unique_ptr<VisaLibrary> loadSystemVisa(const std::string& path, std::string
         error = path + " is not an absolute path";
         return nullptr;
     }
+    if (!trustedForLoading(path, error)) return nullptr;
     void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) {
         const char* reason = dlerror();

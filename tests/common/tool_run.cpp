@@ -1,43 +1,22 @@
 #include "tool_run.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <poll.h>
-#include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace braxcfg::test {
+namespace {
 
-ToolRun runTool(const std::vector<std::string>& args) {
-    std::vector<std::string> words = {BRAXCFG_TOOL_PATH};
-    words.insert(words.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-
-    ToolRun result;
-    int out[2], err[2];
-    if (pipe2(out, O_CLOEXEC) != 0) return result;
-    if (pipe2(err, O_CLOEXEC) != 0) {
-        close(out[0]), close(out[1]);
-        return result;
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, err[1], STDERR_FILENO);
-    pid_t pid = -1;
-    const bool started = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]), close(err[1]);
-
+// Reads both pipes to their end, then waits for the child.
+void collect(pid_t pid, int out, int err, ToolRun& result) {
     // Both pipes are drained together: a child that fills one while the
     // other is being read would otherwise never finish.
-    pollfd fds[2] = {{out[0], POLLIN, 0}, {err[0], POLLIN, 0}};
+    pollfd fds[2] = {{out, POLLIN, 0}, {err, POLLIN, 0}};
     std::string* texts[2] = {&result.out, &result.err};
-    for (int open = started ? 2 : 0; open > 0 && poll(fds, 2, -1) > 0;) {
+    for (int open = pid > 0 ? 2 : 0; open > 0 && poll(fds, 2, -1) > 0;) {
         for (int i = 0; i < 2; ++i) {
             if (fds[i].fd < 0 || fds[i].revents == 0) continue;
             char chunk[4096];
@@ -50,10 +29,41 @@ ToolRun runTool(const std::vector<std::string>& args) {
             }
         }
     }
-    close(out[0]), close(err[0]);
+    close(out), close(err);
     int status = 0;
-    if (started && waitpid(pid, &status, 0) == pid && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+    if (pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+}
+
+}  // namespace
+
+ToolRun runToolAs(const std::vector<std::string>& args, const ToolOptions& options) {
+    ToolRun result;
+    int out[2], err[2];
+    if (pipe2(out, O_CLOEXEC) != 0) return result;
+    if (pipe2(err, O_CLOEXEC) != 0) {
+        close(out[0]), close(out[1]);
+        return result;
+    }
+    const pid_t pid = fork();
+    if (pid == 0) {
+        dup2(out[1], STDOUT_FILENO);
+        dup2(err[1], STDERR_FILENO);
+        if (options.umask != static_cast<mode_t>(-1)) umask(options.umask);
+        for (const auto& [name, value] : options.env) setenv(name.c_str(), value.c_str(), 1);
+        if (options.uid != static_cast<uid_t>(-1) &&
+            (setgroups(0, nullptr) != 0 || setgid(options.uid) != 0 || setuid(options.uid) != 0))
+            _exit(126);
+        std::vector<char*> argv{const_cast<char*>(BRAXCFG_TOOL_PATH)};
+        for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+        argv.push_back(nullptr);
+        execv(BRAXCFG_TOOL_PATH, argv.data());
+        _exit(127);
+    }
+    close(out[1]), close(err[1]);
+    collect(pid, out[0], err[0], result);
     return result;
 }
+
+ToolRun runTool(const std::vector<std::string>& args) { return runToolAs(args, ToolOptions{}); }
 
 }  // namespace braxcfg::test

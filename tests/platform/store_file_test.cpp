@@ -146,10 +146,10 @@ TEST(StoreFile, NewStoresAreCreatedReadableByAllWritableByOwner) {
     ASSERT_EQ(::stat(path.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0644u);
 
-    // An empty file (as a package might install) becomes a store too.
+    // An existing file is never turned into a store, not even an empty one.
     writeFile(folder + "/empty.db", "");
-    EXPECT_EQ(openStore(folder + "/empty.db").state, StoreOpenState::Open);
-    EXPECT_EQ(setString(currentStore(), kLocalMachine, "v", "x"), kErrorSuccess);
+    EXPECT_EQ(openStore(folder + "/empty.db").state, StoreOpenState::Corrupt);
+    EXPECT_EQ(readFile(folder + "/empty.db"), "");
 
     // Unusable paths are reported and, like closing, count as a new store
     // for caches.

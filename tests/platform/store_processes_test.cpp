@@ -25,7 +25,7 @@ template <class Write>
 bool attempt(Write write) {
     for (int i = 0; i < 4; ++i) {
         const RegResult rc = write();
-        if (rc != kErrorCantWrite) return rc == kErrorSuccess;
+        if (rc != kErrorBusy) return rc == kErrorSuccess;
     }
     return false;
 }
@@ -46,7 +46,7 @@ std::string writeKeys(const std::string& path, int id) {
         };
         const auto count = [&] {
             StoreTransaction scope;
-            if (!scope.active()) return kErrorCantWrite;
+            if (!scope.active()) return kErrorBusy;
             HKey key = kNoKey;
             RegResult rc = store.createKey(kLocalMachine, "Writers", kKeyAllAccess, &key, nullptr);
             std::uint32_t counter = 0, size = 4;
@@ -54,7 +54,7 @@ std::string writeKeys(const std::string& path, int id) {
             ++counter;
             if (rc == kErrorSuccess || rc == kErrorFileNotFound)
                 rc = store.setValue(key, "Counter", kRegDword, bytesOf(&counter), 4);
-            return rc != kErrorSuccess ? rc : scope.commit() ? kErrorSuccess : kErrorCantWrite;
+            return rc != kErrorSuccess ? rc : scope.commit() ? kErrorSuccess : kErrorBusy;
         };
         if (!attempt(writeKey) || !attempt(count)) return "writer " + std::to_string(id) + " failed at " + text;
     }

@@ -67,11 +67,20 @@ TEST(StoreTransactionScope, OtherConnectionsWaitBoundedAndSayWhy) {
 
     DebugCapture debug;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(setString(other, kLocalMachine, "blocked", "x"), kErrorCantWrite);
+    EXPECT_EQ(setString(other, kLocalMachine, "blocked", "x"), kErrorBusy);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::seconds(4));
     EXPECT_LT(waited, std::chrono::seconds(15));
     EXPECT_NE(debug.text().find("Configuration store: "), std::string::npos) << "the failure is reported";
+    {
+        // A list rewrite learns why its transaction could not start.
+        StoreTransaction blocked(other);
+        EXPECT_FALSE(blocked.active());
+        EXPECT_FALSE(blocked.commit());
+        EXPECT_EQ(blocked.failure(), StoreFailure::Busy);
+        EXPECT_EQ(blocked.failureMessage(), "the store " + temp.path() +
+                                                " is busy (another program is changing it), try again; nothing was changed");
+    }
 
     ASSERT_TRUE(held.commit());
     EXPECT_TRUE(keyExists(other, "Pending"));

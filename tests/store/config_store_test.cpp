@@ -309,6 +309,18 @@ TEST_F(InterfaceSetup, EndOfPassVisitsTheKeysUpToTheHighestNumber) {
     EXPECT_EQ(store_.GetDeviceName("INTF0", 0), "GPIB0::5");  // renamed on the way
 }
 
+// A subkey name of 80 characters or more, sorted before the interfaces, ends
+// the enumeration that finds the highest number (0), but not the pass: it
+// still visits INTF0, and only that.
+TEST_F(InterfaceSetup, EndOfPassVisitsIntf0WhenTheHighestNumberIsCutShort) {
+    putTree("[" + std::string(80, 'A') + "]\n");
+    putInterface("INTF0", "GPIB0", "GPIB");
+    putInterface("INTF1", "GPIB1", "GPIB");
+    ASSERT_EQ(store_.GetMaxIntfNum(), 0);
+    doVisaEndStuff(store_);
+    EXPECT_EQ(autoConfigOf("INTF0") + autoConfigOf("INTF1"), "0-");
+}
+
 TEST_F(InterfaceSetup, EndOfPassCopesWithTheLargestNumber) {
     putInterface("INTF2147483647", "GPIB9", "GPIB");
     putInterface("INTF1", "GPIB1", "GPIB");

@@ -10,6 +10,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/interface_setup.h"
 #include "temp_store.h"
 #include "tree_text.h"
 
@@ -164,6 +165,39 @@ TEST(RenameIntfEntries, MatchesRenamingFromTheStartAfterEveryRename) {
         ConfigStore().RenameIntfEntries("INTF1");
         ASSERT_EQ(treeText("INTF1"), treeText("INTF0"));
     }
+}
+
+}  // namespace
+}  // namespace braxcfg::store
+
+namespace braxcfg::store {
+namespace {
+
+// A stale entry 20,000 levels deep (only a foreign tool makes one): the end
+// of a pass leaves it as it is, like an entry that cannot be deleted, and
+// carries on; the host is not brought down.
+TEST(RenameIntfEntries, LeavesAnEntryTooDeepToCopyAndFinishesThePass) {
+    test::TempStore temp;
+    test::putTree("[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\GPIB1::4]\n");
+    {
+        platform::StoreTransaction transaction;
+        platform::StoreBackend& store = platform::currentStore();
+        const Registry deep("INTF0\\VISADev\\GPIB1::5", kRegOpenOrCreate);
+        platform::HKey key = platform::kNoKey;
+        store.openKey(deep.handle(), "", platform::kKeyAllAccess, &key);
+        for (int level = 0; level < 20000; ++level) {
+            platform::HKey next = platform::kNoKey;
+            store.createKey(key, "k", platform::kKeyAllAccess, &next, nullptr);
+            store.closeKey(key);
+            key = next;
+        }
+        store.closeKey(key);
+        ASSERT_TRUE(transaction.commit());
+    }
+    EXPECT_EQ(doVisaEndStuff(ConfigStore()), platform::StoreFailure::None);
+    EXPECT_TRUE(Registry("INTF0\\VISADev\\GPIB0::4", kRegOpenExisting).isOpen());
+    EXPECT_TRUE(Registry("INTF0\\VISADev\\GPIB1::5\\k\\k", kRegOpenExisting).isOpen());
+    EXPECT_EQ(ConfigStore().IsVisaIntfSetup("INTF0"), 1);
 }
 
 }  // namespace

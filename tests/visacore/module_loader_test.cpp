@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 
 #include "platform/product_settings.h"
 #include "platform/registry.h"
+#include "visacore/system_visa.h"
 #include "temp_store.h"
 
 namespace braxcfg::visa {
@@ -75,6 +77,44 @@ TEST_F(ModuleLoaderTest, FindsModulesInTrustedDirectoriesPreferringTheLibName) {
         .setString("BaseDir", modules("upper", "base").string());
     store_.reopen();
     EXPECT_EQ(loadedModuleId(), 2);
+}
+
+// As a dynamic loader in secure mode: a module that anybody but root and
+// this user could have placed or changed is passed over, and so is the
+// system VISA library.
+TEST_F(ModuleLoaderTest, PassesOverFilesOthersCouldHaveChanged) {
+    const struct {
+        const char* label;
+        fs::perms folder, lowerFile;  // lowerFile: libautocf.so (says 1); AUTOCF.so (says 2) stays 0755
+        uid_t lowerOwner;             // -1: this user
+        int loaded;
+    } cases[] = {
+        {"sound", fs::perms(0755), fs::perms(0755), uid_t(-1), 1},
+        {"file writable by group", fs::perms(0755), fs::perms(0775), uid_t(-1), 2},
+        {"file writable by others", fs::perms(0755), fs::perms(0757), uid_t(-1), 2},
+        {"folder writable by others", fs::perms(0757), fs::perms(0755), uid_t(-1), 0},
+        {"folder writable by others, sticky", fs::perms(01777), fs::perms(0755), uid_t(-1), 0},
+        {"file of another user", fs::perms(0755), fs::perms(0755), uid_t(4242), 2},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.label);
+        if (c.lowerOwner != uid_t(-1) && ::geteuid() != 0) continue;  // only root gives files away
+        const fs::path dir = modules("both", ("case" + std::to_string(n++)).c_str());
+        fs::permissions(dir / "libautocf.so", c.lowerFile);
+        if (c.lowerOwner != uid_t(-1)) {
+            ASSERT_EQ(::chown((dir / "libautocf.so").c_str(), c.lowerOwner, 0), 0);
+        }
+        fs::permissions(dir, c.folder);
+        searchPath(dir.string());
+        EXPECT_EQ(loadedModuleId(), c.loaded);
+        if (c.loaded != 1) {
+            std::string error;
+            EXPECT_EQ(loadSystemVisa((dir / (c.loaded == 2 ? "libautocf.so" : "AUTOCF.so")).string(), error), nullptr);
+            EXPECT_NE(error.find("not loading"), std::string::npos) << error;
+        }
+        fs::permissions(dir, fs::perms(0755));
+    }
 }
 
 TEST_F(ModuleLoaderTest, MissingPiecesLeaveTheSlotEmpty) {

@@ -83,7 +83,9 @@ int runDevices(const Args& args) {
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
         if (!hasDeviceList) return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
-        store.AddDeviceEntry(intf, words[2], classFilter, "");
+        if (const auto failure = store.AddDeviceEntry(intf, words[2], classFilter, "");
+            failure != platform::StoreFailure::None)
+            return fail(platform::storeFailureMessage(failure));
         if (store.GetDeviceRsrcName(intf, words[2], 0).empty())
             std::cerr << "braxcfg: note: no resource class of the VISAInfo\\DefaultRsrcs table applies to "
                       << words[2] << (classFilter.empty() ? "" : " with --class " + classFilter) << "\n";
@@ -91,8 +93,8 @@ int runDevices(const Args& args) {
     }
     if (action == "clear") {
         if (words.size() != 2) return fail("usage: braxcfg devices INTF clear");
-        store.ClearDevices(intf);
-        return 0;
+        const auto failure = store.ClearDevices(intf);
+        return failure == platform::StoreFailure::None ? 0 : fail(platform::storeFailureMessage(failure));
     }
     return fail("unknown devices action '" + action + "' (add or clear)");
 }

@@ -7,6 +7,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -24,8 +25,7 @@ struct InterfaceRow {
 std::vector<InterfaceRow> readInterfaces() {
     const store::ConfigStore store;
     std::vector<InterfaceRow> rows;
-    const int max = store.GetMaxIntfNum();
-    for (int n = 0; n <= max; ++n) {
+    for (const int n : visa::existingIntfNumbers()) {
         InterfaceRow row;
         row.key = "INTF" + std::to_string(n);
         const platform::Registry key(row.key, platform::kRegOpenExisting);
@@ -100,7 +100,7 @@ int runInterfaces(const Args& args) {
 
 const CommandRegistration kInterfaces({"interfaces", "list the store's interfaces",
                                        "usage: braxcfg interfaces [--json]\n"
-                                       "One line per INTF<n> key from INTF0 to the highest number: key, VISA name,\n"
+                                       "One line per INTF<n> key, by number: key, VISA name,\n"
                                        "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n",
                                        StoreUse::Read, runInterfaces});
 }  // namespace

@@ -42,6 +42,8 @@ bool asksForHelp(const Args& args) {
 int prepareStore(const Command& command, const std::string& storeOption) {
     using namespace braxcfg::platform;
     if (command.store == braxcfg::tool::StoreUse::None) return 0;
+    if (storeOption.empty() && std::getenv("BRAXCFG_STORE") != nullptr && *std::getenv("BRAXCFG_STORE") == '\0')
+        return braxcfg::tool::fail("BRAXCFG_STORE is set but empty; name a store file or unset it");
     const std::string path = storeOption.empty() ? resolveStorePath() : storeOption;
     const StoreStatus status = openStore(path);
     if (status.state != StoreOpenState::Open)
@@ -62,6 +64,7 @@ int main(int argc, char** argv) {
         if (args[i] == "--store") {
             if (i + 1 >= args.size()) return braxcfg::tool::fail("option --store needs a value");
             storeOption = args[i + 1];
+            if (storeOption.empty()) return braxcfg::tool::fail("option --store needs a file name, not an empty one");
             args.erase(args.begin() + static_cast<long>(i), args.begin() + static_cast<long>(i) + 2);
             break;
         }

@@ -30,6 +30,13 @@ std::vector<std::string> candidatePaths() {
 }  // namespace
 
 Plugin::Plugin() {
+    // Like every path the product reads from the environment, the plug-in's
+    // must be absolute: a relative one would load whatever the working
+    // directory holds.
+    if (const char* env = std::getenv("BRAXCFG_PLUGIN"); env != nullptr && *env != '\0' && *env != '/') {
+        error_ = std::string("BRAXCFG_PLUGIN must be an absolute path, not ") + env;
+        return;
+    }
     for (const std::string& path : candidatePaths()) {
         if (!std::filesystem::exists(path)) continue;
         handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);

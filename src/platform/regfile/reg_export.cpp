@@ -1,6 +1,8 @@
 #include "platform/regfile/reg_export.h"
 
+#include <algorithm>
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "platform/regfile/reg_path.h"
@@ -27,7 +29,6 @@ private:
         return false;
     }
     bool exportValues(HKey key, const std::string& relativePath);
-    bool exportSubkeys(HKey key, const std::string& relativePath);
 
     StoreBackend& store_;
     RegWriter writer_;
@@ -36,9 +37,49 @@ private:
     std::string error_;
 };
 
+// Pre-order without recursion: one open key per level from `key` down, each
+// with the index of its next subkey. A tree deeper than the registry allows
+// is refused, not written.
 bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
+    struct Level {
+        std::unique_ptr<ScopedKey> owned;  // empty for the caller's key
+        HKey key;
+        std::string path;
+        std::uint32_t nextChild = 0;
+    };
+    std::vector<Level> levels;
+    levels.push_back(Level{nullptr, key, relativePath});
+    const std::size_t startDepth =
+        relativePath.empty() ? 0 : 1 + static_cast<std::size_t>(std::count(relativePath.begin(), relativePath.end(), '\\'));
     writer_.key(relativePath);
-    return exportValues(key, relativePath) && exportSubkeys(key, relativePath);
+    if (!exportValues(key, relativePath)) return false;
+    std::array<char, kMaxKeyNameLength + 1> name{};
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        const RegResult r = store_.enumKey(level.key, level.nextChild, name.data(), static_cast<std::uint32_t>(name.size()));
+        if (r == kErrorNoMoreItems) {
+            levels.pop_back();
+            continue;
+        }
+        if (r != kErrorSuccess) return fail("list the subkeys of", level.path, r);
+        ++level.nextChild;
+        // Deeper keys could not be imported again; a foreign tool made them.
+        if (startDepth + levels.size() >= kMaxKeyDepth) {
+            error_ = "cannot export " + fullKeyPath(level.path) + ": its keys go deeper than the " +
+                     std::to_string(kMaxKeyDepth) + " levels the registry allows";
+            return false;
+        }
+        std::string childPath = level.path.empty() ? name.data() : level.path + "\\" + name.data();
+        auto child = std::make_unique<ScopedKey>(store_);
+        if (const RegResult opened = store_.openKey(level.key, name.data(), kKeyRead, child->receive());
+            opened != kErrorSuccess)
+            return fail("open", childPath, opened);
+        const HKey childKey = child->get();
+        writer_.key(childPath);
+        if (!exportValues(childKey, childPath)) return false;
+        levels.push_back(Level{std::move(child), childKey, std::move(childPath)});
+    }
+    return true;
 }
 
 bool RegExporter::exportValues(HKey key, const std::string& relativePath) {
@@ -56,20 +97,6 @@ bool RegExporter::exportValues(HKey key, const std::string& relativePath) {
         writer_.value(std::string_view(name_.data(), cchName), type,
                       std::string_view(reinterpret_cast<const char*>(data_.data()), cbData));
         ++index;
-    }
-}
-
-bool RegExporter::exportSubkeys(HKey key, const std::string& relativePath) {
-    std::array<char, kMaxKeyNameLength + 1> name{};
-    for (std::uint32_t index = 0;; ++index) {
-        const RegResult r = store_.enumKey(key, index, name.data(), static_cast<std::uint32_t>(name.size()));
-        if (r == kErrorNoMoreItems) return true;
-        if (r != kErrorSuccess) return fail("list the subkeys of", relativePath, r);
-        const std::string childPath = relativePath.empty() ? name.data() : relativePath + "\\" + name.data();
-        ScopedKey child(store_);
-        if (const RegResult opened = store_.openKey(key, name.data(), kKeyRead, child.receive()); opened != kErrorSuccess)
-            return fail("open", childPath, opened);
-        if (!exportKey(child.get(), childPath)) return false;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "platform/regfile/reg_path.h"
 #include "platform/regfile/store_key.h"
 #include "platform/store.h"
+#include "platform/store_tree.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
@@ -15,6 +16,10 @@ public:
 
 private:
     static RegError refused(const RegOp& op, const std::string& what, RegResult result) {
+        // Busy or full is the store's state, not the line's fault.
+        if (const StoreFailure failure = storeFailureOf(result);
+            failure == StoreFailure::Busy || failure == StoreFailure::DiskFull)
+            return RegError{0, storeFailureMessage(failure)};
         return RegError{op.line, "the store refused to " + what + ": " + storeResultText(result)};
     }
 
@@ -55,17 +60,41 @@ std::optional<RegError> RegImporter::apply(const RegOp& op) {
     return std::nullopt;
 }
 
+// Levels below HKEY_LOCAL_MACHINE; runs of "\\" count as one separator.
+std::size_t depthOf(const std::string& keyPath) {
+    std::size_t depth = 0;
+    bool inName = false;
+    for (const char c : keyPath) {
+        if (c != '\\' && !inName) ++depth;
+        inName = c != '\\';
+    }
+    return depth;
+}
+
+// A key deeper than the registry allows is refused before anything is
+// written, so the file is refused whole.
+std::optional<RegError> tooDeep(const std::vector<RegOp>& ops) {
+    for (const RegOp& op : ops) {
+        if (op.kind != RegOpKind::CreateKey && op.kind != RegOpKind::DeleteKey) continue;
+        if (const std::size_t depth = depthOf(op.keyPath); depth > kMaxKeyDepth)
+            return RegError{op.line, "the key is " + std::to_string(depth) + " levels deep; the store allows at most " +
+                                         std::to_string(kMaxKeyDepth)};
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<RegError> applyRegOps(StoreBackend& store, const std::vector<RegOp>& ops) {
+    if (auto error = tooDeep(ops)) return error;
     StoreTransaction transaction(store);
-    if (!transaction.active()) return RegError{0, "the store could not start a transaction"};
+    if (!transaction.active()) return RegError{0, transaction.failureMessage()};
     {
         RegImporter importer(store);
         for (const RegOp& op : ops)
             if (auto error = importer.apply(op)) return error;
     }
-    if (!transaction.commit()) return RegError{0, "the store could not commit the import"};
+    if (!transaction.commit()) return RegError{0, transaction.failureMessage()};
     return std::nullopt;
 }
 

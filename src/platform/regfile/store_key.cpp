@@ -25,26 +25,14 @@ std::string storeResultText(RegResult result) {
         case kErrorBadDatabase:
             return "the store file is damaged";
         case kErrorCantWrite:
-            return "the store cannot be written (read-only or busy)";
+            return "the store cannot be written";
+        case kErrorBusy:
+            return "the store is busy";
+        case kErrorDiskFull:
+            return "the disk is full";
         default:
             return "store error " + std::to_string(result);
     }
-}
-
-RegResult deleteKeyTree(StoreBackend& store, HKey parent, const std::string& path) {
-    {
-        ScopedKey key(store);
-        if (const RegResult opened = store.openKey(parent, path.c_str(), kKeyAllAccess, key.receive());
-            opened != kErrorSuccess)
-            return opened;
-        std::array<char, kMaxKeyNameLength + 1> child{};
-        // Always index 0: each delete shifts the remaining subkeys down.
-        while (store.enumKey(key.get(), 0, child.data(), static_cast<std::uint32_t>(child.size())) == kErrorSuccess) {
-            if (const RegResult deleted = deleteKeyTree(store, key.get(), child.data()); deleted != kErrorSuccess)
-                return deleted;
-        }
-    }
-    return store.deleteKey(parent, path.c_str());
 }
 
 }  // namespace braxcfg::platform::regfile

@@ -29,8 +29,4 @@ private:
 
 std::string storeResultText(RegResult result);
 
-// Deletes `path` below `parent` with everything beneath it; a missing key
-// is kErrorFileNotFound.
-RegResult deleteKeyTree(StoreBackend& store, HKey parent, const std::string& path);
-
 }  // namespace braxcfg::platform::regfile

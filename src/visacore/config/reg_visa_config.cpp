@@ -1,9 +1,13 @@
 #include "visacore/config/reg_visa_config.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include "platform/registry.h"
+#include "platform/store.h"
 #include "visacore/config/config_names.h"
 
 namespace braxcfg::visa {
@@ -14,7 +18,38 @@ using platform::Registry;
 
 constexpr std::size_t kIntfPrefixLength = 4;  // "INTF"
 
+char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
 }  // namespace
+
+std::optional<int> intfNumberOf(const std::string& name) {
+    static constexpr char kPrefix[] = "INTF";
+    if (name.size() <= kIntfPrefixLength || name.size() > kIntfPrefixLength + 10) return std::nullopt;
+    for (std::size_t i = 0; i < kIntfPrefixLength; ++i)
+        if (asciiUpper(name[i]) != kPrefix[i]) return std::nullopt;
+    if (name[kIntfPrefixLength] == '0' && name.size() > kIntfPrefixLength + 1) return std::nullopt;
+    long long number = 0;
+    for (std::size_t i = kIntfPrefixLength; i < name.size(); ++i) {
+        if (name[i] < '0' || name[i] > '9') return std::nullopt;
+        number = number * 10 + (name[i] - '0');
+    }
+    if (number > INT32_MAX) return std::nullopt;
+    return static_cast<int>(number);
+}
+
+std::vector<int> existingIntfNumbers() {
+    const Registry root("", kRegOpenExisting);
+    std::vector<int> numbers;
+    if (!root.isOpen()) return numbers;
+    std::array<char, platform::kMaxKeyNameLength + 1> name{};
+    for (std::uint32_t index = 0;
+         platform::currentStore().enumKey(root.handle(), index, name.data(), static_cast<std::uint32_t>(name.size())) ==
+         platform::kErrorSuccess;
+         ++index)
+        if (const auto number = intfNumberOf(name.data())) numbers.push_back(*number);
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
 
 int RegVISAConfig::getMaxIntfNum() {
     const Registry root("", kRegOpenExisting);
@@ -32,7 +67,8 @@ int RegVISAConfig::getMaxIntfNum() {
 RegVISAIntfConfig::RegVISAIntfConfig(RegVISAConfig* config, const char* intf) {
     if (config == nullptr || intf == nullptr) return;
     const int highest = config->getMaxIntfNum();
-    for (int n = 0; n <= highest; ++n) {
+    for (const int n : existingIntfNumbers()) {
+        if (n > highest) break;
         std::string keyName = "INTF" + std::to_string(n);
         if (Registry(keyName, kRegOpenExisting).getString("VISAName") == intf) {
             keyName_ = std::move(keyName);

@@ -1,11 +1,22 @@
 #pragma once
 // The VISA configuration kept in the configuration store: interface keys
 // "INTF<n>" below the product key.
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "visacore/config/base_visa_config.h"
 
 namespace braxcfg::visa {
+
+// The number n when `name` is "INTF<n>" (the prefix in any case, <n> without
+// leading zeros and fitting an int); nothing otherwise.
+std::optional<int> intfNumberOf(const std::string& name);
+
+// The numbers of the INTF<n> keys below the product key, ascending. Every
+// subkey name is read, whatever its length, so only the keys that exist are
+// visited: no loop runs up to a stray INTF2147483647.
+std::vector<int> existingIntfNumbers();
 
 class RegVISAConfig : public BaseVISAConfig {
 public:

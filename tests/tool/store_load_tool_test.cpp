@@ -1,0 +1,140 @@
+// The store under real use: a host process that keeps the plug-in loaded
+// for the whole run, two tool processes writing in a loop (device entries,
+// and imports that make the file grow, so that the log is checkpointed
+// often) and one reading through the plug-in. No healthy store is ever refused, no
+// answer turns false, and every add that exited 0 is there at the end.
+// BRAXCFG_LOAD_SECONDS sets the length of the run (default 30).
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <mutex>
+#include <thread>
+
+#include "platform/sqlite_db.h"
+#include "temp_store.h"
+#include "tool_run.h"
+
+namespace {
+
+using braxcfg::test::runTool;
+using braxcfg::test::ToolRun;
+using Clock = std::chrono::steady_clock;
+
+int runSeconds() {
+    const char* text = std::getenv("BRAXCFG_LOAD_SECONDS");
+    const int seconds = text != nullptr ? std::atoi(text) : 0;
+    return seconds > 0 ? seconds : 30;
+}
+
+// The host: loads the plug-in once and asks it about INTF0 until the end;
+// its exit code is the number of answers that were not 1 (at most 100).
+pid_t startHost(const std::string& store, Clock::time_point end) {
+    const pid_t pid = ::fork();
+    if (pid != 0) return pid;
+    ::setenv("BRAXCFG_STORE", store.c_str(), 1);
+    void* plugin = ::dlopen(BRAXCFG_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    auto* valid = plugin ? reinterpret_cast<int (*)(const char*)>(::dlsym(plugin, "isValidVisaIntf")) : nullptr;
+    if (valid == nullptr) ::_exit(101);
+    int wrong = 0;
+    while (Clock::now() < end) {
+        if (valid("INTF0") != 1) ++wrong;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    ::_exit(wrong > 100 ? 100 : wrong);
+}
+
+// 40 keys of 1 KB each below SOFTWARE\<name>.
+std::string bulkFile(const std::string& name) {
+    std::string text = "REGEDIT4\n";
+    for (int i = 0; i < 40; ++i)
+        text += "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\" + name + "\\K" + std::to_string(i) + "]\n\"v\"=\"" +
+                std::string(1000, 'x') + "\"\n";
+    return text;
+}
+
+TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
+    const std::string dir = braxcfg::test::testOutputDir("load_tool/" + std::to_string(::getpid()));
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    const std::string store = dir + "/store.db";
+    std::ofstream(dir + "/base.reg") << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
+                                        "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n";
+    const auto tool = [&](std::vector<std::string> args) {
+        args.insert(args.begin(), {"--store", store});
+        return runTool(args);
+    };
+    ASSERT_EQ(tool({"import", dir + "/base.reg"}).exitCode, 0);
+    ASSERT_EQ(tool({"setup", "INTF0"}).exitCode, 0);
+
+    const auto end = Clock::now() + std::chrono::seconds(runSeconds());
+    const pid_t host = startHost(store, end);
+    ASSERT_GT(host, 0);
+    std::atomic<int> refusals{0}, reads{0};
+    std::vector<std::string> refusalTexts;
+    std::mutex refusalMutex;
+    const auto refused = [&](const std::string& what, const ToolRun& run) {
+        ++refusals;
+        std::lock_guard lock(refusalMutex);
+        if (refusalTexts.size() < 5) refusalTexts.push_back(what + ": " + (run.out + run.err));
+    };
+    std::vector<std::vector<std::string>> added(2);
+    std::atomic<int> imported{0};
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < 2; ++writer)
+        threads.emplace_back([&, writer] {
+            const std::string bulk = dir + "/bulk" + std::to_string(writer) + ".reg";
+            for (int n = 0; Clock::now() < end; ++n) {
+                const std::string device = "GPIB0::" + std::to_string(writer * 100000 + n);
+                const ToolRun run = tool({"devices", "INTF0", "add", device});
+                if (run.exitCode == 0)
+                    added[writer].push_back(device);
+                else
+                    refused("add " + device, run);
+                std::ofstream(bulk) << bulkFile("Bulk" + device.substr(7));
+                if (const ToolRun load = tool({"import", bulk}); load.exitCode == 0)
+                    ++imported;
+                else
+                    refused("import", load);
+            }
+        });
+    threads.emplace_back([&] {
+        while (Clock::now() < end) {
+            for (const auto& args : {std::vector<std::string>{"valid", "INTF0"}, {"interfaces"}}) {
+                const ToolRun run = tool(args);
+                ++reads;
+                if (run.exitCode != 0 || (args[0] == "valid" && (run.out + run.err) != "1\n")) refused(args[0], run);
+            }
+        }
+    });
+    for (auto& thread : threads) thread.join();
+    int status = -1;
+    ASSERT_EQ(::waitpid(host, &status, 0), host);
+
+    const std::string listed = "\n" + tool({"devices", "INTF0"}).out;
+    std::size_t missing = 0;
+    for (const auto& devices : added)
+        for (const std::string& device : devices) missing += listed.find("\n" + device + "\n") == std::string::npos;
+    braxcfg::platform::SqliteConnection db;
+    ASSERT_EQ(db.open(store, SQLITE_OPEN_READONLY), SQLITE_OK);
+    const auto bulkKeys = db.queryInt("SELECT count(*) FROM keys WHERE CAST(name AS TEXT) LIKE 'Bulk%'", -1);
+    std::cout << "load run: " << runSeconds() << " s, adds that exited 0: " << added[0].size() + added[1].size()
+              << ", imports that exited 0: " << imported << " (bulk keys found: " << bulkKeys << ")"
+              << ", reads: " << reads << ", refusals: " << refusals << ", missing: " << missing
+              << ", host answers not 1: " << (WIFEXITED(status) ? WEXITSTATUS(status) : -1) << "\n";
+    EXPECT_EQ(refusals, 0) << (refusalTexts.empty() ? "" : refusalTexts.front());
+    EXPECT_EQ(missing, 0u);
+    EXPECT_EQ(bulkKeys, imported);
+    EXPECT_GT(added[0].size() + added[1].size(), 0u);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the host got answers other than 1";
+    std::filesystem::remove_all(dir);
+}
+
+}  // namespace
