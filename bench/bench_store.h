@@ -22,6 +22,7 @@ public:
     ~BenchStore() { platform::closeStore(); }
     BenchStore(const BenchStore&) = delete;
     BenchStore& operator=(const BenchStore&) = delete;
+    const std::string& path() const { return files_.path(); }
 
 private:
     test::ScratchStoreFiles files_;

@@ -5,7 +5,7 @@
 #include <stdlib.h>
 
 #include "fake_servers.h"
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
 #include "ui/testing/message_box_capture.h"
 #include "visacore/lan/lan_probe.h"
 #include "visacore/visa_api.h"

@@ -1,5 +1,4 @@
-// Store backend costs: a typical read, enumerating a large key by index,
-// and writing device-like keys with and without one transaction around them.
+// Store backend costs: a typical read and writing device-like keys with and without one transaction around them.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -42,30 +41,6 @@ void BM_OpenKeyAndReadValue(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_OpenKeyAndReadValue);
-
-void BM_EnumerateSubkeysByIndex(benchmark::State& state) {
-    BenchStore bench;
-    StoreBackend& store = currentStore();
-    const auto count = static_cast<std::uint32_t>(state.range(0));
-    const HKey parent = create("Many");
-    {
-        StoreTransaction scope;
-        for (std::uint32_t i = 0; i < count; ++i) store.closeKey(create("Key" + std::to_string(i), parent));
-        scope.commit();
-    }
-    char name[80];
-    for (auto _ : state) {
-        // A fresh handle each time, so the sorted list is read again.
-        HKey key = kNoKey;
-        store.openKey(parent, "", kKeyQueryValue, &key);
-        std::uint32_t seen = 0;
-        while (store.enumKey(key, seen, name, sizeof name) == kErrorSuccess) ++seen;
-        store.closeKey(key);
-        if (seen != count) state.SkipWithError("enumeration ended early");
-    }
-    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
-}
-BENCHMARK(BM_EnumerateSubkeysByIndex)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 void writeDevices(const std::string& parentPath, int count) {
     const HKey parent = create(parentPath);

@@ -16,12 +16,6 @@ namespace {
 using namespace braxcfg::platform;
 using namespace braxcfg::platform::regfile;
 
-// What a written value reads back as: a string is cut at its first NUL.
-RegOp asWritten(RegOp op) {
-    if (op.type == kRegSz) op.data = op.data.substr(0, op.data.find('\0')) + '\0';
-    return op;
-}
-
 bool sameKeysAndValues(const std::vector<RegOp>& expected, const std::vector<RegOp>& actual) {
     if (expected.size() != actual.size()) return false;
     for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -42,7 +36,7 @@ void checkRoundTrip(const std::vector<RegOp>& ops, RegTextEncoding encoding) {
             expected.push_back(op);
         } else if (op.kind == RegOpKind::SetValue) {
             writer.value(op.name, op.type, op.data);
-            expected.push_back(asWritten(op));
+            expected.push_back(op);  // every value reads back byte for byte
         }
     }
     const RegParseResult again = parseRegFile(writer.finish());

@@ -12,6 +12,7 @@ packages=(
   clang libclang-rt-14-dev llvm
   libtirpc-dev rpcbind rpcsvc-proto iproute2 util-linux
   python3-pyvisa
+  nlohmann-json3-dev xvfb xdotool
 )
 if [ "${1:-}" = "--windows" ]; then
   # MinGW-w64 with POSIX threads (std::thread, std::mutex), and Wine to run

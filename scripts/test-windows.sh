@@ -28,6 +28,7 @@ prefix=$(seconds)
 wine_deviations=(
   # value-order: Wine enumerates values sorted by name, Windows in creation order.
   DeviceEntries.AutoConfigFlagIsStoredAsOneWhenMissing
+  InterfaceSetup.AKeyWithoutVisaNameIsSetUpByItsType
   RenameIntfEntries.CopiesValuesByTheirTypeAndWritesOverAnExistingEntry
   SetupIntfEntries.CreatesTheClassesMarkedForTheTypeWord
   VisaInfo.IsWrittenOncePerProcessEvenWhenTheFirstWriteFails

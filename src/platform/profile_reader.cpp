@@ -48,35 +48,63 @@ std::optional<std::string_view> sectionName(std::string_view line) {
     return trimmed(line.substr(1, close - 1));
 }
 
+// Calls `visit(line, number)` for each trimmed line that is not blank or a
+// comment.
+template <typename Visit>
+void forEachLine(std::string_view content, Visit visit) {
+    std::size_t start = 0;
+    if (content.substr(0, 3) == "\xEF\xBB\xBF") start = 3;  // a UTF-8 mark some editors write
+    for (int number = 1; start < content.size(); ++number) {
+        std::size_t end = content.find_first_of("\r\n", start);
+        if (end == std::string_view::npos) end = content.size();
+        const std::string_view line = trimmed(content.substr(start, end - start));
+        // CR, LF and CR LF each end one line.
+        start = end + (content.substr(end, 2) == "\r\n" ? 2 : 1);
+        if (line.empty() || line.front() == ';') continue;
+        if (!visit(line, number)) return;
+    }
+}
+
 // Looks `key` up in the first section named `section`: the value when the
 // key is there with "=", nothing when it is missing or has no "=".
 std::optional<std::string_view> findValue(std::string_view content, std::string_view section,
                                           std::string_view key) {
     bool inSection = false;
-    std::size_t start = 0;
-    if (content.substr(0, 3) == "\xEF\xBB\xBF") start = 3;  // a UTF-8 mark some editors write
-    while (start < content.size()) {
-        std::size_t end = content.find_first_of("\r\n", start);
-        if (end == std::string_view::npos) end = content.size();
-        const std::string_view line = trimmed(content.substr(start, end - start));
-        start = end + 1;
-        if (line.empty() || line.front() == ';') continue;
+    std::optional<std::string_view> found;
+    forEachLine(content, [&](std::string_view line, int) {
         if (const auto name = sectionName(line)) {
             // Only the first section of a name is read.
-            if (inSection) return std::nullopt;
+            if (inSection) return false;
             inSection = equalsIgnoringCase(*name, section);
-            continue;
+            return true;
         }
-        if (!inSection) continue;
+        if (!inSection) return true;
         const std::size_t equals = line.find('=');
-        if (!equalsIgnoringCase(trimmed(line.substr(0, equals)), key)) continue;
-        if (equals == std::string_view::npos) return std::nullopt;
-        return trimmed(line.substr(equals + 1));
-    }
-    return std::nullopt;
+        if (!equalsIgnoringCase(trimmed(line.substr(0, equals)), key)) return true;
+        if (equals != std::string_view::npos) found = trimmed(line.substr(equals + 1));
+        return false;
+    });
+    return found;
 }
 
 }  // namespace
+
+std::vector<ProfileSection> listProfileSections(std::string_view content) {
+    std::vector<ProfileSection> sections(1);
+    forEachLine(content, [&](std::string_view line, int number) {
+        if (const auto name = sectionName(line)) {
+            sections.push_back({std::string(*name), number, {}});
+            return true;
+        }
+        const std::size_t equals = line.find('=');
+        ProfileEntry entry{std::string(trimmed(line.substr(0, equals))), {}, number, equals != std::string_view::npos};
+        if (entry.hasEquals) entry.value = withoutQuotes(trimmed(line.substr(equals + 1)));
+        sections.back().entries.push_back(std::move(entry));
+        return true;
+    });
+    if (sections.front().entries.empty()) sections.erase(sections.begin());
+    return sections;
+}
 
 std::string lookupProfileString(std::string_view content, std::string_view section, std::string_view key,
                                 std::string_view defaultValue, std::size_t maxChars) {

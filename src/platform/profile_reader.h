@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace braxcfg::platform {
 
@@ -28,5 +29,23 @@ std::string readProfileString(const std::string& path, std::string_view section,
 // The same over the text of a profile file already in memory.
 std::string lookupProfileString(std::string_view content, std::string_view section, std::string_view key,
                                 std::string_view defaultValue, std::size_t maxChars = kProfileUnlimited);
+
+// Every section of a profile text, in file order, for readers that walk a
+// whole file (a lab of instruments) rather than look one value up. Names
+// and values are trimmed and a quoted value loses its quotes, as above;
+// nothing is merged or dropped, so the caller sees duplicates and lines
+// without "=" and decides what they mean. Line numbers count from 1.
+struct ProfileEntry {
+    std::string key;
+    std::string value;
+    int line = 0;
+    bool hasEquals = false;
+};
+struct ProfileSection {
+    std::string name;
+    int line = 0;  // 0 for the lines before the first header
+    std::vector<ProfileEntry> entries;
+};
+std::vector<ProfileSection> listProfileSections(std::string_view content);
 
 }  // namespace braxcfg::platform

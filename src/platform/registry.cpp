@@ -88,6 +88,12 @@ std::vector<std::string> Registry::subkeyNames() const {
     return names;
 }
 
+std::uint64_t Registry::subkeyStamp() const {
+    std::uint64_t stamp = 0;
+    if (key_ == kNoKey || store_.queryInfoKey(key_, nullptr, &stamp) != kErrorSuccess) return 0;
+    return stamp;
+}
+
 void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) const {
     std::array<char, kEnumNameChars> buffer{};
     std::uint32_t cch = kEnumNameChars;

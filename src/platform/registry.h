@@ -47,6 +47,10 @@ public:
     // before the caller changes anything: each write makes the store read a
     // key's subkeys anew, so enumerating while writing costs a re-read per step.
     std::vector<std::string> subkeyNames() const;
+    // Changes whenever the key's list of subkeys may have changed, through
+    // this process or another; 0 when the key is not open. For keeping
+    // something computed from the subkeys (see SubkeyMemo).
+    std::uint64_t subkeyStamp() const;
     // Value name at index (80-character buffer) and its type; empty at the end.
     void enumValue(std::uint32_t index, std::string& name, RegType& type) const;
     // Deletes subKey with everything below it; returns the status of the

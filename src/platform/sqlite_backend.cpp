@@ -46,6 +46,7 @@ public:
     explicit ReadScope(SqliteBackend& backend) : backend_(backend) {
         if (backend_.transactionLost()) return;
         if (backend_.depth_ == 0) {
+            backend_.snapshotVersion_ = -1;
             began_ = backend_.run("BEGIN");
             ok_ = began_;
         } else {
@@ -79,12 +80,14 @@ public:
             backend_.noteFailedWrite(status_);
             return;
         }
+        if (backend_.depth_ == 0) backend_.snapshotVersion_ = -1;
         const char* begin = backend_.depth_ == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT op";
         if (!backend_.run(begin)) {
             status_ = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
             return;
         }
         open_ = true;
+        changesAtStart_ = backend_.keyChanges_;
     }
     ~WriteScope() {
         if (open_) undo();
@@ -96,7 +99,6 @@ public:
 
     RegResult commit() {
         open_ = false;
-        ++backend_.localStamp_;
         const char* end = backend_.depth_ == 0 ? "COMMIT" : "RELEASE op";
         if (backend_.run(end)) return kErrorSuccess;
         const RegResult failure = backend_.sqlFailure(sqlite3_errcode(backend_.db_->handle()), true);
@@ -107,7 +109,7 @@ public:
 private:
     void undo() {
         open_ = false;
-        ++backend_.localStamp_;
+        backend_.forgetSubkeyListsSince(backend_.transactionLost() ? ~std::uint64_t{0} : changesAtStart_);
         if (backend_.depth_ == 0) {
             backend_.run("ROLLBACK");
         } else if (!backend_.transactionLost()) {
@@ -119,6 +121,7 @@ private:
     SqliteBackend& backend_;
     RegResult status_ = kErrorSuccess;
     bool open_ = false;
+    std::uint64_t changesAtStart_ = 0;
 };
 
 SqliteBackend::SqliteBackend(std::unique_ptr<SqliteConnection> db, bool writable)
@@ -128,7 +131,7 @@ SqliteBackend::SqliteBackend(std::unique_ptr<SqliteConnection> db, bool writable
 
 SqliteBackend::~SqliteBackend() {
     std::lock_guard lock(mutex_);
-    while (depth_ > 0) rollbackTransaction();
+    while (depth_ > 0) rollbackLocked();
 }
 
 template <typename Scope, typename Work>
@@ -192,6 +195,7 @@ SqliteBackend::OpenKey* SqliteBackend::openKeyOf(HKey key) {
 }
 
 bool SqliteBackend::keyExists(std::int64_t id) {
+    if (currentListOf(id)) return true;
     StatementUse stmt(db_->cached("SELECT 1 FROM keys WHERE id = ?"));
     return stmt.valid() && stmt->bind(1, id).step() == SQLITE_ROW;
 }
@@ -203,23 +207,29 @@ RegResult SqliteBackend::keyIdOf(HKey key, std::int64_t* id) {
     return keyExists(open->id) ? kErrorSuccess : kErrorKeyDeleted;
 }
 
+// Looks the name up in the parent's kept list, read first when needed, so
+// that walking a path reads each key's list once rather than querying the
+// file per component on every open.
 RegResult SqliteBackend::findChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
-    StatementUse stmt(db_->cached("SELECT id FROM keys WHERE parent = ? AND folded = ?"));
-    if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
-    const int rc = stmt->bind(1, parent).bindBlob(2, foldName(name)).step();
-    if (rc == SQLITE_ROW) {
-        *id = stmt->columnInt(0);
-        return kErrorSuccess;
-    }
-    return rc == SQLITE_DONE ? kErrorFileNotFound : sqlFailure(rc, false);
+    const SubkeyLists::List* list = currentListOf(parent);
+    if (!list)
+        if (const RegResult rc = loadChildren(parent, dataVersion(), &list); rc != kErrorSuccess) return rc;
+    const std::string folded = foldName(name);
+    const auto at = SubkeyLists::lowerBound(list->children, folded);
+    if (at == list->children.end() || at->folded != folded) return kErrorFileNotFound;
+    *id = at->id;
+    return kErrorSuccess;
 }
 
 RegResult SqliteBackend::addChild(std::int64_t parent, std::string_view name, std::int64_t* id) {
     StatementUse stmt(db_->cached("INSERT INTO keys (parent, name, folded) VALUES (?, ?, ?)"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
-    const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, foldName(name)).step();
+    std::string folded = foldName(name);
+    const int rc = stmt->bind(1, parent).bindBlob(2, name).bindBlob(3, folded).step();
     if (rc != SQLITE_DONE) return sqlFailure(rc, true);
     *id = sqlite3_last_insert_rowid(db_->handle());
+    ++keyChanges_;
+    subkeyLists_.added(parent, std::move(folded), name, *id);
     return kErrorSuccess;
 }
 
@@ -409,6 +419,16 @@ RegResult SqliteBackend::deleteKey(HKey parent, const char* subKey) {
 }
 
 RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
+    std::int64_t parent = 0;
+    std::string folded;
+    {
+        StatementUse key(db_->cached("SELECT parent, folded FROM keys WHERE id = ?"));
+        if (!key.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+        const int step = key->bind(1, id).step();
+        if (step != SQLITE_ROW) return step == SQLITE_DONE ? kErrorKeyDeleted : sqlFailure(step, true);
+        parent = key->columnInt(0);
+        folded = key->columnBlob(1);
+    }
     {
         StatementUse children(db_->cached("SELECT 1 FROM keys WHERE parent = ? LIMIT 1"));
         if (!children.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
@@ -422,25 +442,59 @@ RegResult SqliteBackend::removeLeafKey(std::int64_t id) {
         if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), true);
         if (const int step = stmt->bind(1, id).step(); step != SQLITE_DONE) return sqlFailure(step, true);
     }
+    ++keyChanges_;
+    subkeyLists_.removed(parent, folded);
+    subkeyLists_.drop(id);
     return kErrorSuccess;
 }
 
-std::int64_t SqliteBackend::dataVersion() { return db_->queryInt("PRAGMA data_version", -1); }
+std::int64_t SqliteBackend::dataVersion() {
+    // Within one snapshot (a scope's or a held transaction's) the version
+    // cannot move once read.
+    if (snapshotVersion_ < 0) snapshotVersion_ = db_->queryInt("PRAGMA data_version", -1);
+    return snapshotVersion_;
+}
 
-RegResult SqliteBackend::loadChildren(OpenKey& key) {
-    key.children.loaded = false;
-    key.children.names.clear();
-    if (!keyExists(key.id)) return kErrorKeyDeleted;
-    StatementUse stmt(db_->cached("SELECT name FROM keys WHERE parent = ? ORDER BY folded"));
+const SubkeyLists::List* SqliteBackend::currentListOf(std::int64_t id) {
+    const SubkeyLists::List* list = subkeyLists_.find(id);
+    return list != nullptr && list->dataVersion == dataVersion() ? list : nullptr;
+}
+
+RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list) {
+    // An enumeration that goes on through this handle, with nothing
+    // changed here since its last step, is served from the same list.
+    const SubkeyLists::List* kept = subkeyLists_.find(open.id);
+    if (kept != nullptr && index > 0 && index == open.nextIndex && kept->stamp == open.scanStamp) {
+        *list = kept;
+        return kErrorSuccess;
+    }
+    ReadScope scope(*this);
+    if (scope.status() != kErrorSuccess) return scope.status();
+    // A list read at the current version is current: only another process
+    // could have changed the key (its deletion here drops the list).
+    if ((*list = currentListOf(open.id))) return kErrorSuccess;
+    return loadChildren(open.id, dataVersion(), list);
+}
+
+RegResult SqliteBackend::loadChildren(std::int64_t id, std::int64_t version, const SubkeyLists::List** list) {
+    if (!keyExists(id)) {
+        subkeyLists_.drop(id);
+        return kErrorKeyDeleted;
+    }
+    StatementUse stmt(db_->cached("SELECT folded, name, id FROM keys WHERE parent = ? ORDER BY folded"));
     if (!stmt.valid()) return sqlFailure(sqlite3_errcode(db_->handle()), false);
-    stmt->bind(1, key.id);
+    stmt->bind(1, id);
+    std::deque<SubkeyLists::Child> children;
     int rc = SQLITE_ROW;
-    while ((rc = stmt->step()) == SQLITE_ROW) key.children.names.emplace_back(stmt->columnBlob(0));
+    while ((rc = stmt->step()) == SQLITE_ROW)
+        children.push_back({std::string(stmt->columnBlob(0)), std::string(stmt->columnBlob(1)), stmt->columnInt(2)});
     if (rc != SQLITE_DONE) return sqlFailure(rc, false);
-    key.children.loaded = true;
-    key.children.localStamp = localStamp_;
-    key.children.dataVersion = dataVersion();
+    *list = &subkeyLists_.store(id, std::move(children), version);
     return kErrorSuccess;
+}
+
+void SqliteBackend::forgetSubkeyListsSince(std::uint64_t keyChanges) {
+    if (keyChanges != keyChanges_) subkeyLists_.clear();
 }
 
 RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) {
@@ -448,18 +502,25 @@ RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std:
     std::lock_guard lock(mutex_);
     OpenKey* open = openKeyOf(key);
     if (!open) return kErrorInvalidHandle;
-    ReadScope scope(*this);
-    if (scope.status() != kErrorSuccess) return scope.status();
-    // Enumerating by increasing index reads the sorted list once, not once
-    // per index, until this process or another one changes the store.
-    const ChildList& cache = open->children;
-    if (!cache.loaded || cache.localStamp != localStamp_ || cache.dataVersion != dataVersion())
-        if (const RegResult rc = loadChildren(*open); rc != kErrorSuccess) return rc;
-    const auto& names = open->children.names;
-    if (index >= names.size()) return kErrorNoMoreItems;
-    const std::string& found = names[index];
+    const SubkeyLists::List* list = nullptr;
+    if (const RegResult rc = currentChildren(*open, index, &list); rc != kErrorSuccess) return rc;
+    if (index >= list->children.size()) return kErrorNoMoreItems;
+    const std::string& found = list->children[index].name;
     if (found.size() + 1 > cchName) return kErrorMoreData;
     std::memcpy(name, found.c_str(), found.size() + 1);
+    open->nextIndex = index + 1;
+    open->scanStamp = list->stamp;
+    return kErrorSuccess;
+}
+
+RegResult SqliteBackend::queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) {
+    std::lock_guard lock(mutex_);
+    OpenKey* open = openKeyOf(key);
+    if (!open) return kErrorInvalidHandle;
+    const SubkeyLists::List* list = nullptr;
+    if (const RegResult rc = currentChildren(*open, 0, &list); rc != kErrorSuccess) return rc;
+    if (subKeys) *subKeys = static_cast<std::uint32_t>(list->children.size());
+    if (lastWriteTime) *lastWriteTime = list->stamp;
     return kErrorSuccess;
 }
 
@@ -498,20 +559,22 @@ RegResult SqliteBackend::beginTransaction() {
     if (transactionLost()) return kErrorCantWrite;
     const char* begin = depth_ > 0 ? "SAVEPOINT nest" : writable_ ? "BEGIN IMMEDIATE" : "BEGIN";
     if (!run(begin)) return sqlFailure(sqlite3_errcode(db_->handle()), true);
+    if (depth_ == 0) snapshotVersion_ = -1;
     ++depth_;
-    scopeStartIds_.push_back(highestKeyId());
+    scopes_.push_back(HeldScope{highestKeyId(), keyChanges_});
     return kErrorSuccess;
 }
 
 RegResult SqliteBackend::commitTransaction() {
     std::lock_guard lock(mutex_);
     if (depth_ == 0) return kErrorInvalidParameter;
-    const std::int64_t startId = scopeStartIds_.back();
-    scopeStartIds_.pop_back();
+    const HeldScope scope = scopes_.back();
+    scopes_.pop_back();
     const bool lost = transactionLost();
     --depth_;
     if (lost) {
-        forgetKeysAfter(startId);
+        subkeyLists_.clear();
+        forgetKeysAfter(scope.highestKeyId);
         const RegResult failed = failedWrite_ != kErrorSuccess ? failedWrite_ : kErrorCantWrite;
         if (depth_ == 0) failedWrite_ = kErrorSuccess;
         return failed;
@@ -519,27 +582,34 @@ RegResult SqliteBackend::commitTransaction() {
     if (depth_ > 0) return !run("RELEASE nest") ? kErrorCantWrite : failedWrite_;
     if (const RegResult failed = std::exchange(failedWrite_, kErrorSuccess); failed != kErrorSuccess) {
         run("ROLLBACK");
-        ++localStamp_;
-        forgetKeysAfter(startId);
+        forgetSubkeyListsSince(scope.keyChanges);
+        forgetKeysAfter(scope.highestKeyId);
         return failed;
     }
     if (run("COMMIT")) return kErrorSuccess;
     const RegResult failure = sqlFailure(sqlite3_errcode(db_->handle()), true);
     run("ROLLBACK");
-    ++localStamp_;
-    forgetKeysAfter(startId);
+    forgetSubkeyListsSince(scope.keyChanges);
+    forgetKeysAfter(scope.highestKeyId);
     return failure;
 }
 
 void SqliteBackend::rollbackTransaction() {
     std::lock_guard lock(mutex_);
+    rollbackLocked();
+}
+
+void SqliteBackend::rollbackLocked() {
     if (depth_ == 0) return;
-    const std::int64_t startId = scopeStartIds_.back();
-    scopeStartIds_.pop_back();
+    const HeldScope scope = scopes_.back();
+    scopes_.pop_back();
     const bool lost = transactionLost();
     --depth_;
-    ++localStamp_;
-    forgetKeysAfter(startId);
+    if (lost)
+        subkeyLists_.clear();
+    else
+        forgetSubkeyListsSince(scope.keyChanges);
+    forgetKeysAfter(scope.highestKeyId);
     if (depth_ == 0) failedWrite_ = kErrorSuccess;
     if (lost) return;
     if (depth_ == 0) {

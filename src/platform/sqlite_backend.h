@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/sqlite_db.h"
+#include "platform/sqlite_subkey_lists.h"
 #include "platform/store_backend.h"
 
 namespace braxcfg::platform {
@@ -35,6 +36,7 @@ public:
     RegResult enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) override;
     RegResult enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName, RegType* type,
                         std::uint8_t* data, std::uint32_t* cbData) override;
+    RegResult queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) override;
     RegResult beginTransaction() override;
     RegResult commitTransaction() override;
     void rollbackTransaction() override;
@@ -43,17 +45,12 @@ private:
     friend class ReadScope;
     friend class WriteScope;
 
-    // Subkey names of one open key in enumeration order, valid while
-    // nothing has changed the store since they were read.
-    struct ChildList {
-        bool loaded = false;
-        std::uint64_t localStamp = 0;
-        std::int64_t dataVersion = 0;
-        std::vector<std::string> names;
-    };
     struct OpenKey {
         std::int64_t id = 0;
-        ChildList children;
+        // An enumeration going on index by index through this handle: the
+        // index that continues it and the list state it was served from.
+        std::uint32_t nextIndex = 0;
+        std::uint64_t scanStamp = 0;
     };
     struct StoredValue {
         std::string name;
@@ -62,24 +59,45 @@ private:
     };
 
     // Runs `work(keyId)` on the live key behind `key` as one operation in
-    // a ReadScope or WriteScope; a write commits when work succeeds.
+    // a ReadScope or WriteScope; a write commits when work succeeds. Takes
+    // mutex_ itself: the public calls use it.
     template <typename Scope, typename Work>
     RegResult onKey(HKey key, Work&& work);
 
+    // Every helper from here on runs with mutex_ held by its caller (a
+    // public call, or a scope object one created); none takes it.
+
+    // Handles and keys. Caller holds mutex_.
     OpenKey* openKeyOf(HKey key);
     RegResult keyIdOf(HKey key, std::int64_t* id);
+    bool keyExists(std::int64_t id);
+    HKey newHandle(std::int64_t id);
     RegResult findPath(std::int64_t from, const char* subKey, std::int64_t* id);
     RegResult createPath(std::int64_t from, const char* subKey, std::int64_t* id, bool* created);
     RegResult findChild(std::int64_t parent, std::string_view name, std::int64_t* id);
     RegResult addChild(std::int64_t parent, std::string_view name, std::int64_t* id);
+    RegResult removeLeafKey(std::int64_t id);
+
+    // Values. Caller holds mutex_.
     RegResult readValue(std::int64_t keyId, const char* name, StoredValue* value);
     RegResult readValueAt(std::int64_t keyId, std::uint32_t index, StoredValue* value);
     RegResult storeValue(std::int64_t keyId, const char* name, RegType type, const std::string& bytes);
-    RegResult removeLeafKey(std::int64_t id);
-    RegResult loadChildren(OpenKey& key);
-    bool keyExists(std::int64_t id);
-    HKey newHandle(std::int64_t id);
+
+    // Kept subkey lists. Caller holds mutex_.
+    // The current list of `open`'s key. `index` is the index asked for: an
+    // enumeration that goes on through the same handle is served from the
+    // list it began with, without asking the file again.
+    RegResult currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list);
+    RegResult loadChildren(std::int64_t id, std::int64_t version, const SubkeyLists::List** list);
+    // The list of key `id` when it is kept and current in this snapshot.
+    const SubkeyLists::List* currentListOf(std::int64_t id);
+    // The file's data version, read once per snapshot.
     std::int64_t dataVersion();
+    // After a rollback that undid key creations or deletions no kept list
+    // can be trusted; one that undid only value changes leaves them valid.
+    void forgetSubkeyListsSince(std::uint64_t keyChanges);
+
+    // Statements and transactions. Caller holds mutex_.
     RegResult sqlFailure(int rc, bool whileWriting);
     void noteFailedWrite(RegResult failure);
     bool run(const char* sql);
@@ -90,16 +108,23 @@ private:
     // later keys; handles on those keys must not reach them.
     std::int64_t highestKeyId();
     void forgetKeysAfter(std::int64_t id);
+    void rollbackLocked();
 
-    std::recursive_mutex mutex_;
+    std::mutex mutex_;  // guards everything below
     std::unique_ptr<SqliteConnection> db_;
     bool writable_;
     int depth_ = 0;                // nesting of held transaction scopes
     RegResult failedWrite_ = kErrorSuccess;  // first write that failed inside them
-    std::vector<std::int64_t> scopeStartIds_;  // highestKeyId() as each scope began
-    std::uint64_t localStamp_ = 1; // bumped on every change made or undone here
+    struct HeldScope {
+        std::int64_t highestKeyId;  // as the scope began
+        std::uint64_t keyChanges;   // keyChanges_ as the scope began
+    };
+    std::vector<HeldScope> scopes_;
+    std::uint64_t keyChanges_ = 0;  // keys created or deleted by this process so far
+    std::int64_t snapshotVersion_ = -1;  // the file's data version in this snapshot; -1 until read
     std::unordered_map<HKey, OpenKey> handles_;
     OpenKey root_;  // behind the predefined kLocalMachine
+    SubkeyLists subkeyLists_;
 };
 
 }  // namespace braxcfg::platform

@@ -1,5 +1,9 @@
 #include "platform/sqlite_schema.h"
 
+#include <vector>
+
+#include "platform/sqlite_name_fold.h"
+
 namespace braxcfg::platform {
 
 SchemaState inspectSchema(SqliteConnection& db) {
@@ -38,6 +42,53 @@ bool createSchema(SqliteConnection& db, std::string* error) {
         ";"
         "COMMIT;";
     if (db.exec(sql.c_str()) == SQLITE_OK) return true;
+    *error = db.lastError();
+    db.exec("ROLLBACK");
+    return false;
+}
+
+namespace {
+
+struct NameRow {
+    std::int64_t owner;  // parent key, or key of a value
+    std::string folded;
+    std::string name;
+};
+
+// Folds again every name of a table that holds the micro sign (0xB5).
+// `select` gives owner, folded and name; `update` takes the new folded
+// name, the owner and the old folded name.
+bool refoldMicroSign(SqliteConnection& db, const char* select, const char* update) {
+    SqliteStatement* rows = db.cached(select);
+    SqliteStatement* write = db.cached(update);
+    if (!rows || !rows->valid() || !write || !write->valid()) return false;
+    std::vector<NameRow> found;
+    int rc = SQLITE_ROW;
+    while ((rc = rows->step()) == SQLITE_ROW)
+        found.push_back({rows->columnInt(0), std::string(rows->columnBlob(1)), std::string(rows->columnBlob(2))});
+    rows->reset();
+    if (rc != SQLITE_DONE) return false;
+    for (const NameRow& row : found) {
+        rc = write->bindBlob(1, foldName(row.name)).bind(2, row.owner).bindBlob(3, row.folded).step();
+        write->reset();
+        if (rc != SQLITE_DONE) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool upgradeSchema(SqliteConnection& db, std::string* error) {
+    if (db.queryInt("PRAGMA user_version", kStoreSchemaVersion) >= kStoreSchemaVersion) return true;
+    const bool done =
+        db.exec("BEGIN IMMEDIATE") == SQLITE_OK &&
+        refoldMicroSign(db, "SELECT parent, folded, name FROM keys WHERE instr(name, x'B5') > 0",
+                        "UPDATE keys SET folded = ? WHERE parent = ? AND folded = ?") &&
+        refoldMicroSign(db, "SELECT key_id, folded, name FROM key_values WHERE instr(name, x'B5') > 0",
+                        "UPDATE key_values SET folded = ? WHERE key_id = ? AND folded = ?") &&
+        db.exec(("PRAGMA user_version = " + std::to_string(kStoreSchemaVersion)).c_str()) == SQLITE_OK &&
+        db.exec("COMMIT") == SQLITE_OK;
+    if (done) return true;
     *error = db.lastError();
     db.exec("ROLLBACK");
     return false;

@@ -18,7 +18,9 @@ namespace braxcfg::platform {
 inline constexpr std::int64_t kRootKeyId = 1;
 // Marks a file as a configuration store (the header's application id).
 inline constexpr std::int32_t kStoreApplicationId = 0x42435347;
-inline constexpr int kStoreSchemaVersion = 1;
+// 2: names holding the micro sign are folded with it kept as it is (1 folded
+// it to capital mu).
+inline constexpr int kStoreSchemaVersion = 2;
 
 enum class SchemaState { Present, Empty, Foreign };
 
@@ -29,5 +31,9 @@ SchemaState inspectSchema(SqliteConnection& db);
 // Creates the tables and the root key in one transaction; false with the
 // reason in `error` when that fails.
 bool createSchema(SqliteConnection& db, std::string* error);
+
+// Brings the folded names of an older store in line with foldName, in one
+// transaction; nothing to do for a current one.
+bool upgradeSchema(SqliteConnection& db, std::string* error);
 
 }  // namespace braxcfg::platform

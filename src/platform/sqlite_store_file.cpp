@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "platform/sqlite_backend.h"
 #include "platform/sqlite_schema.h"
@@ -98,12 +99,34 @@ bool createStoreFile(const std::string& path, std::string* error) {
     return true;
 }
 
-// Looks at the file header without SQLite, so a file that is not a store
-// is never handed to code that might write to it. Empty when it looks sound.
-std::string headerProblem(int fd, off_t size) {
-    std::array<unsigned char, kHeaderSize> header{};
-    if (size < static_cast<off_t>(kHeaderSize) || ::pread(fd, header.data(), header.size(), 0) !=
-                                                       static_cast<ssize_t>(header.size()))
+// Reads the first bytes of `path` through SQLite's own file layer. A plain
+// descriptor would do, but closing it drops every lock this process holds on
+// the file, and the tool and the plug-in it loads each keep a connection to
+// the store open: SQLite's layer keeps such a descriptor until those locks go.
+bool readHeader(const std::string& path, std::array<unsigned char, kHeaderSize>& header, std::string* error) {
+    sqlite3_vfs* vfs = sqlite3_vfs_find(nullptr);
+    std::error_code ec;
+    const std::string absolute = std::filesystem::absolute(path, ec).string();
+    // The layer keeps the name's address while the file is open.
+    const std::string name = ec ? path : absolute;
+    std::vector<sqlite3_int64> space((static_cast<std::size_t>(vfs->szOsFile) + 7) / 8 + 1);
+    auto* file = reinterpret_cast<sqlite3_file*>(space.data());
+    int flags = 0;
+    if (vfs->xOpen(vfs, name.c_str(), file, SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_READONLY, &flags) != SQLITE_OK) {
+        if (file->pMethods) file->pMethods->xClose(file);
+        *error = std::strerror(errno);
+        return false;
+    }
+    const int rc = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+    file->pMethods->xClose(file);
+    return rc == SQLITE_OK || rc == SQLITE_IOERR_SHORT_READ;
+}
+
+// Looks at the file header before SQLite reads the file as a database, so a
+// file that is not a store is never handed to code that might write to it.
+// Empty when it looks sound.
+std::string headerProblem(const std::array<unsigned char, kHeaderSize>& header, off_t size) {
+    if (size < static_cast<off_t>(kHeaderSize))
         return size == 0 ? "the file is empty, not a store (remove it to have a new store made)"
                          : "the file is too short to be a store";
     if (std::memcmp(header.data(), kSqliteMagic, sizeof kSqliteMagic) != 0)
@@ -205,6 +228,7 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
     std::string error;
     if (inspectSchema(db) == SchemaState::Empty && !createSchema(db, &error))
         return Failure{StoreOpenState::Unreadable, "cannot set up the store: " + error};
+    if (!upgradeSchema(db, &error)) return Failure{StoreOpenState::Unreadable, "cannot upgrade the store: " + error};
     return std::nullopt;
 }
 
@@ -223,10 +247,11 @@ SqliteStoreOpening openSqliteStore(const std::string& path) {
     }
     if (!S_ISREG(info.st_mode)) return failed(path, StoreOpenState::Unreadable, path + ": not a regular file");
 
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
-    const std::string problem = headerProblem(fd, info.st_size);
-    ::close(fd);
+    std::array<unsigned char, kHeaderSize> header{};
+    std::string readError;
+    if (!readHeader(path, header, &readError))
+        return failed(path, StoreOpenState::Unreadable, path + ": " + readError);
+    const std::string problem = headerProblem(header, info.st_size);
     if (!problem.empty()) return failed(path, StoreOpenState::Corrupt, path + ": " + problem);
 
     auto db = std::make_unique<SqliteConnection>();

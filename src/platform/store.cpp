@@ -53,6 +53,9 @@ public:
                         std::uint8_t* data, std::uint32_t* cbData) override {
         return target()->enumValue(key, index, name, cchName, type, data, cbData);
     }
+    RegResult queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) override {
+        return target()->queryInfoKey(key, subKeys, lastWriteTime);
+    }
     RegResult beginTransaction() override { return target()->beginTransaction(); }
     RegResult commitTransaction() override { return target()->commitTransaction(); }
     void rollbackTransaction() override { target()->rollbackTransaction(); }

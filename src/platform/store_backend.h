@@ -14,6 +14,10 @@
 // - deleteKey is not recursive (kAccessDenied while subkeys exist);
 // - a handle whose key was deleted answers kKeyDeleted and never reaches a
 //   later key of the same name;
+// - an enumeration that goes on index by index (i right after i - 1) on
+//   one handle keeps the subkey list it began with, so another process's
+//   commit shows from the next call that does not continue it (index 0,
+//   any other index, another handle); this process's changes show at once;
 // - the WOW64 view flags are accepted and ignored (both together: kInvalidParameter).
 #include <cstdint>
 
@@ -52,6 +56,12 @@ public:
     // RegEnumValueA, with its in/out sizes; data, type and cbData may be null.
     virtual RegResult enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName,
                                 RegType* type, std::uint8_t* data, std::uint32_t* cbData) = 0;
+
+    // RegQueryInfoKeyA, reduced to what is used: the number of subkeys and
+    // the key's last write time, which moves whenever its subkey list
+    // changes (here a stamp, not a clock: compare it only for equality).
+    // Either pointer may be null.
+    virtual RegResult queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) = 0;
 
     // Nestable transaction scope; see StoreTransaction.
     virtual RegResult beginTransaction() = 0;

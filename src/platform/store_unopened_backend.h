@@ -27,6 +27,7 @@ public:
                         std::uint32_t*) override {
         return failure_;
     }
+    RegResult queryInfoKey(HKey, std::uint32_t*, std::uint64_t*) override { return failure_; }
     RegResult beginTransaction() override { return failure_; }
     RegResult commitTransaction() override { return failure_; }
     void rollbackTransaction() override {}

@@ -151,6 +151,16 @@ RegResult Win32Backend::enumValue(HKey key, std::uint32_t index, char* name, std
     return RegEnumValueA(native(key), index, name, nameSize.get(), nullptr, typeOut.get(), data, size.get());
 }
 
+RegResult Win32Backend::queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) {
+    Dword count(subKeys);
+    FILETIME written{};
+    const LONG rc = RegQueryInfoKeyA(native(key), nullptr, nullptr, nullptr, count.get(), nullptr, nullptr, nullptr,
+                                     nullptr, nullptr, nullptr, lastWriteTime ? &written : nullptr);
+    if (rc == ERROR_SUCCESS && lastWriteTime)
+        *lastWriteTime = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
+    return rc;
+}
+
 RegResult Win32Backend::beginTransaction() {
     std::lock_guard lock(mutex_);
     return journal_.beginScope();

@@ -39,6 +39,7 @@ public:
     RegResult enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) override;
     RegResult enumValue(HKey key, std::uint32_t index, char* name, std::uint32_t* cchName, RegType* type,
                         std::uint8_t* data, std::uint32_t* cbData) override;
+    RegResult queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) override;
     RegResult beginTransaction() override;
     RegResult commitTransaction() override;
     void rollbackTransaction() override;

@@ -75,6 +75,8 @@ public:
     // Writes the whole record, one field a line, to `out` (stdout by default).
     void dump();
     void dump(std::FILE* out);
+    // The same without the first line (the record's address).
+    void dumpFields(std::FILE* out);
 
 private:
     struct OwnedText {

@@ -51,6 +51,10 @@ void IoParms::dump() { dump(stdout); }
 void IoParms::dump(std::FILE* out) {
     std::fprintf(out, "\nIoParms instance: 0x%lx\n",
                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(this)));
+    dumpFields(out);
+}
+
+void IoParms::dumpFields(std::FILE* out) {
     printQuotedOrNull(out, "rsrcString    ", getRsrcString());
     std::fprintf(out, "   canonicalName = '%s'\n", shown(getCanonicalName(nullptr, 0)));
     std::fprintf(out, "   count         = %d\n", count_);

@@ -10,6 +10,7 @@
 // nothing to write). Interfaces are named by their key name, "INTF<n>".
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/store.h"
 
@@ -38,8 +39,15 @@ public:
     // The last text is accepted and not used; callers pass "".
     platform::StoreFailure AddDeviceEntry(const std::string& intf, const std::string& device,
                                           const std::string& classFilter, const std::string& unused) const;
+    // AddDeviceEntry for each of `devices` in turn, in one transaction, the
+    // resource classes read once.
+    platform::StoreFailure AddDeviceEntries(const std::string& intf, const std::vector<std::string>& devices,
+                                            const std::string& classFilter) const;
     platform::StoreFailure ClearDevices(const std::string& intf) const;
     std::string GetDeviceName(const std::string& intf, std::uint32_t index) const;
+    // Every name GetDeviceName gives from index 0 to the first empty one,
+    // read at once (one open of the list instead of one per name).
+    std::vector<std::string> GetDeviceNames(const std::string& intf) const;
     std::string GetDeviceRsrcName(const std::string& intf, const std::string& device,
                                   std::uint32_t index) const;
     int IsAutoConfig(const std::string& intf) const;

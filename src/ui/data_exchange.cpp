@@ -24,6 +24,11 @@ std::function<void()> loadText(Control* control, std::string& value) {
 template <typename Control>
 std::function<bool(QWidget*)> saveText(Control* control, std::string& value, int maxChars) {
     return [control, &value, maxChars](QWidget* owner) {
+        if (const auto refused = firstUnencodable(control->text())) {
+            messageBox(owner, unencodableMessage(*refused), std::string(), MessageIcon::Exclamation);
+            control->setFocus();
+            return false;
+        }
         value = toStdString(control->text());
         if (maxChars <= 0 || value.size() <= static_cast<std::size_t>(maxChars)) return true;
         messageBox(owner, tooLongMessage(maxChars), std::string(), MessageIcon::Exclamation);
@@ -33,6 +38,11 @@ std::function<bool(QWidget*)> saveText(Control* control, std::string& value, int
 }
 
 }  // namespace
+
+std::string unencodableMessage(const std::string& character) {
+    return "The character " + character +
+           " cannot be stored. Please use only characters of the Windows-1252 code page.";
+}
 
 std::string tooLongMessage(int maxChars) {
     return "Please enter no more than " + std::to_string(maxChars) + " characters.";

@@ -41,5 +41,8 @@ private:
 
 // "Please enter no more than N characters."
 std::string tooLongMessage(int maxChars);
+// What a text control says when it holds a character the store cannot
+// keep (`character` as "U+4E2D"); the text is refused, not changed.
+std::string unencodableMessage(const std::string& character);
 
 }  // namespace braxcfg::ui

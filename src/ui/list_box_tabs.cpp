@@ -16,6 +16,8 @@ qreal averageCharWidth(const QFont& font) {
     return QFontMetricsF(font).horizontalAdvance(letters) / letters.size();
 }
 
+qreal tabStopDistance(const QFont& font, int dialogUnits) { return averageCharWidth(font) * dialogUnits / 4; }
+
 // Draws the item as the style does (background, selection, focus), then
 // its text with the list's own tab stop.
 class TabStopDelegate : public QStyledItemDelegate {
@@ -33,7 +35,7 @@ public:
 
         QTextOption layout(Qt::AlignLeft | Qt::AlignVCenter);
         layout.setWrapMode(QTextOption::NoWrap);
-        layout.setTabStopDistance(averageCharWidth(item.font) * dialogUnits_ / 4);
+        layout.setTabStopDistance(tabStopDistance(item.font, dialogUnits_));
         const bool selected = (item.state & QStyle::State_Selected) != 0;
         painter->save();
         painter->setFont(item.font);
@@ -49,6 +51,10 @@ private:
 };
 
 }  // namespace
+
+double listBoxTabStopDistance(const QListView& view, int dialogUnits) {
+    return tabStopDistance(view.font(), dialogUnits);
+}
 
 void setListBoxTabStop(QListView& view, int dialogUnits) {
     QAbstractItemDelegate* previous = view.itemDelegate();

@@ -10,4 +10,8 @@ namespace braxcfg::ui {
 // average character width), as dialog templates measure.
 void setListBoxTabStop(QListView& view, int dialogUnits);
 
+// The stop's distance in pixels from the start of an item's text, so that
+// a column caption above the list can line up with it.
+double listBoxTabStopDistance(const QListView& view, int dialogUnits);
+
 }  // namespace braxcfg::ui

@@ -1,10 +1,9 @@
 #include "ui/screenshot.h"
 
 #include <QLayout>
+#include <QFile>
 #include <QPixmap>
 #include <QWidget>
-
-#include "ui/qt_text.h"
 
 namespace braxcfg::ui {
 
@@ -14,7 +13,8 @@ bool saveScreenshot(QWidget& widget, const std::string& path) {
         if (QLayout* layout = widget.layout()) layout->activate();
         widget.adjustSize();
     }
-    return widget.grab().save(toQString(path), "PNG");
+    // A file name is the system's, not store text.
+    return widget.grab().save(QFile::decodeName(QByteArray::fromStdString(path)), "PNG");
 }
 
 }  // namespace braxcfg::ui

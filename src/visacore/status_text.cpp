@@ -248,4 +248,10 @@ std::string statusDescription(ViStatus status) {
     return text;
 }
 
+std::string statusCodeText(ViStatus status) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(status));
+    return text;
+}
+
 }  // namespace braxcfg::visa

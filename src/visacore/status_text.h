@@ -23,4 +23,7 @@ const StatusText* findStatusText(ViStatus status);
 // generic sentence that names its number, so a caller always has text.
 std::string statusDescription(ViStatus status);
 
+// The status as its 32-bit pattern in hex: "0xBFFF0011".
+std::string statusCodeText(ViStatus status);
+
 }  // namespace braxcfg::visa

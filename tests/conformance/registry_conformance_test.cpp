@@ -129,14 +129,19 @@ TEST_F(StoreSemantics, PathsAreRelativeAndNamesAreLimited) {
 
 TEST_F(StoreSemantics, SubkeysEnumerateByUpperCaseCharacterCode) {
     const HKey parent = createKey(store, "Order");
-    // Upper-cased, '[' and '_' sort after 'Z'; the euro sign (0x80 in the
-    // code page) sorts by its character, after E acute.
-    for (const char* name : {"_x", "Zed", "\x80", "apple", "Subkey2", "Subkey1", "[b", "\xE9", "a", "A1"})
+    // Upper-cased, '[' and '_' sort after 'Z'; the cp1252 letters sort by
+    // their upper-case character: e acute as U+00C9, oe U+0152, s caron
+    // U+0160, y diaeresis U+0178, z caron U+017D, f hook U+0191, the euro
+    // sign U+20AC; the micro sign has no upper case and stays U+00B5.
+    for (const char* name : {"_x", "Zed", "\x80", "apple", "Subkey2", "Subkey1", "[b", "\xE9", "a", "A1", "\xB5",
+                             "\x83", "\x9E", "\xFF", "\x9A", "\x9C"})
         createKey(store, name, parent);
     EXPECT_EQ(subkeyNames(store, parent),
-              test::expectedAnswer(Names{"a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "[b", "_x", "\xE9", "\x80"},
+              test::expectedAnswer(Names{"a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "[b", "_x", "\xB5", "\xE9",
+                                         "\x9C", "\x9A", "\xFF", "\x9E", "\x83", "\x80"},
                                    test::kWineSubkeyOrder,
-                                   Names{"[b", "_x", "a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "\xE9", "\x80"}));
+                                   Names{"[b", "_x", "a", "A1", "apple", "Subkey1", "Subkey2", "Zed", "\xB5", "\xE9",
+                                         "\xFF", "\x9C", "\x9A", "\x9E", "\x83", "\x80"}));
 }
 
 TEST_F(StoreSemantics, ValuesEnumerateInCreationOrder) {
@@ -368,6 +373,63 @@ TEST_F(StoreSemantics, ChangesFromAnotherConnectionShowInEnumeration) {
     char name[8];
     EXPECT_EQ(store.enumKey(first, 0, name, sizeof name), kErrorKeyDeleted);
 }
+
+#ifndef _WIN32
+// The subkey lists the SQLite backend keeps between calls: every change, here
+// or in another process, shows where the contract says it does. The registry
+// keeps no such lists (it stamps value writes too), so this is SQLite's alone.
+TEST_F(StoreSemantics, KeptSubkeyListsFollowEveryChange) {
+    const HKey parent = createKey(store, "Kept");
+    for (const char* name : {"b", "d"}) store.closeKey(createKey(store, name, parent));
+    auto opening = openSameStore(temp.path());
+    ASSERT_TRUE(opening.backend) << opening.status.error;
+    StoreBackend& other = *opening.backend;
+    const auto stamp = [&] {
+        std::uint64_t time = 0;
+        std::uint32_t count = 0;
+        EXPECT_EQ(store.queryInfoKey(parent, &count, &time), kErrorSuccess);
+        return std::to_string(count) + "@" + std::to_string(time);
+    };
+    char name[8];
+
+    // An enumeration going on index by index keeps the list it began with.
+    ASSERT_EQ(store.enumKey(parent, 0, name, sizeof name), kErrorSuccess);
+    store.closeKey(createKey(other, "Kept\\a"));
+    ASSERT_EQ(store.enumKey(parent, 1, name, sizeof name), kErrorSuccess);
+    EXPECT_STREQ(name, "d");
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "d"}));
+
+    std::string before = stamp();
+    setString(store, parent, "value", "x");
+    store.closeKey(createKey(store, "b\\deeper", parent));
+    EXPECT_EQ(stamp(), before) << "values and grandchildren leave the subkey list alone";
+    store.closeKey(createKey(store, "c", parent));
+    EXPECT_NE(stamp(), before);
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c", "d"}));
+
+    before = stamp();
+    ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\D"), kErrorSuccess);
+    EXPECT_NE(stamp(), before);
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"}));
+
+    {
+        StoreTransaction transaction(store);
+        store.closeKey(createKey(store, "e", parent));
+        ASSERT_EQ(store.deleteKey(parent, "a"), kErrorSuccess);
+        EXPECT_EQ(subkeyNames(store, parent), (Names{"b", "c", "e"}));
+    }
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"})) << "a rollback restores the list";
+
+    // Deleting at index 0 until nothing is left, as a tree delete does.
+    Names deleted;
+    ASSERT_EQ(store.deleteKey(parent, "b\\deeper"), kErrorSuccess);
+    while (store.enumKey(parent, 0, name, sizeof name) == kErrorSuccess) {
+        deleted.emplace_back(name);
+        ASSERT_EQ(store.deleteKey(parent, name), kErrorSuccess);
+    }
+    EXPECT_EQ(deleted, (Names{"a", "b", "c"}));
+}
+#endif
 
 }  // namespace
 }  // namespace braxcfg::platform

@@ -11,9 +11,11 @@
 #include "dialog_test_support.h"
 #include "dialogs/choice_help.h"
 #include "dialogs/config_choice.h"
+#include "dialogs/done_auto_config.h"
 #include "dialogs/entry_error.h"
 #include "dialogs/new_device.h"
 #include "dialogs/ready_auto_config.h"
+#include "dialogs/show_devices.h"
 
 namespace braxcfg::dialogs {
 namespace {
@@ -66,6 +68,13 @@ TEST(DialogTemplates, CaptionsTextsButtonsAndMnemonics) {
           "each instrument on this interface.\n\nThis operation may take several seconds.\n\nOn a remote GPIB "
           "interface over the LAN, this operation may take longer."},
          {"&Continue*", "Cancel"}},
+        {make<CShowDevices>, "Show Devices", {"Devices present on interface <intf>:"},
+         {"&Identify devices at run-time", "OK*", "Cancel", "Help (hidden)", "&Add device", "&Remove device",
+          "A&uto Add devices"}},
+        {make<CDoneAutoConfig>, "Auto Configuration Complete!",
+         {"<<intfName>>:", "The following devices were previously identified:",
+          "The following new devices were found:"},
+         {"OK*"}},
     };
     for (const Template& t : templates) {
         const std::unique_ptr<QDialog> dialog = t.make();

@@ -63,3 +63,32 @@ TEST(ProfileReader, ReadsTheFileAndFallsBackWhenItCannot) {
 
 }  // namespace
 }  // namespace braxcfg::platform
+
+namespace braxcfg::platform {
+namespace {
+
+TEST(ProfileReader, ListsEverySectionWithLineNumbers) {
+    // LF, CR LF and a lone CR each end a line; nothing is merged or dropped.
+    const auto sections = listProfileSections("\xEF\xBB\xBFtop = 1\r\n; note\r\n[ A ]\r\nk = \"v\"\rk = w\nbare\n\n[a]\nx=");
+    ASSERT_EQ(sections.size(), 3u);
+    EXPECT_EQ(sections[0].name, "");
+    EXPECT_EQ(sections[0].line, 0) << "lines before the first header";
+    EXPECT_EQ(sections[1].name, "A");
+    EXPECT_EQ(sections[1].line, 3);
+    ASSERT_EQ(sections[1].entries.size(), 3u);
+    const struct { const char* key; const char* value; int line; bool hasEquals; } expected[] = {
+        {"k", "v", 4, true}, {"k", "w", 5, true}, {"bare", "", 6, false}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(sections[1].entries[i].key, expected[i].key);
+        EXPECT_EQ(sections[1].entries[i].value, expected[i].value);
+        EXPECT_EQ(sections[1].entries[i].line, expected[i].line);
+        EXPECT_EQ(sections[1].entries[i].hasEquals, expected[i].hasEquals);
+    }
+    EXPECT_EQ(sections[2].name, "a") << "a second section of the same name is listed too";
+    EXPECT_EQ(sections[2].line, 8);
+    EXPECT_EQ(sections[2].entries.at(0).line, 9);
+}
+
+}  // namespace
+}  // namespace braxcfg::platform

@@ -45,6 +45,49 @@ TEST(RegFileStore, RoundTripsFixturesByteForByte) {
     }
 }
 
+// Values a program can write that a quoted string cannot carry: each goes
+// out in the form shown and comes back into the store byte for byte.
+TEST(RegFileStore, OddValuesExportExactlyAndComeBackUnchanged) {
+    const struct { const char* name; RegType type; std::string bytes; const char* line; } values[] = {
+        {"", kRegSz, "", "@=hex(1):"},
+        {"unterminated", kRegSz, "ab", "\"unterminated\"=hex(1):61,00,62,00"},
+        {"inner NUL", kRegSz, std::string("a\0b\0", 4), "\"inner NUL\"=hex(1):61,00,00,00,62,00,00,00"},
+        {"plain", kRegSz, std::string("ab\0", 3), "\"plain\"=\"ab\""},
+        {"expand", kRegExpandSz, "%P%", "\"expand\"=hex(2):25,00,50,00,25,00"},
+        {"multi", kRegMultiSz, "", "\"multi\"=hex(7):"},
+    };
+    test::TempStore store;
+    HKey key = kNoKey;
+    ASSERT_EQ(currentStore().createKey(kLocalMachine, "Odd", kKeyAllAccess, &key, nullptr), kErrorSuccess);
+    for (const auto& v : values) {
+        // A byte past the data that is not NUL: the store keeps what it is given.
+        const std::string sentinelled = v.bytes + 'x';
+        ASSERT_EQ(currentStore().setValue(key, v.name, v.type, reinterpret_cast<const std::uint8_t*>(sentinelled.data()),
+                                          static_cast<std::uint32_t>(v.bytes.size())),
+                  kErrorSuccess);
+    }
+    currentStore().closeKey(key);
+    const std::string exported = exportText("HKEY_LOCAL_MACHINE\\Odd");
+    for (const auto& v : values) EXPECT_NE(exported.find(std::string(v.line) + "\n"), std::string::npos) << v.line;
+
+    const std::string utf16 = exportText("HKEY_LOCAL_MACHINE\\Odd", RegTextEncoding::Utf16);
+    for (const std::string* file : {&exported, &utf16}) {
+        test::TempStore fresh;
+        importOrFail(*file);
+        EXPECT_EQ(exportText("HKEY_LOCAL_MACHINE\\Odd"), exported);
+        ASSERT_EQ(currentStore().openKey(kLocalMachine, "Odd", kKeyAllAccess, &key), kErrorSuccess);
+        for (const auto& v : values) {
+            std::uint8_t data[16];
+            std::uint32_t size = sizeof data;
+            RegType type = kRegNone;
+            ASSERT_EQ(currentStore().queryValue(key, v.name, &type, data, &size), kErrorSuccess) << v.name;
+            EXPECT_EQ(type, v.type);
+            EXPECT_EQ(std::string(reinterpret_cast<const char*>(data), size), v.bytes) << v.name;
+        }
+        currentStore().closeKey(key);
+    }
+}
+
 TEST(RegFileStore, ImportMergesAndExportStartsAtTheKeyAsSpelled) {
     test::TempStore store;
     importOrFail(

@@ -30,8 +30,10 @@ struct ValueCase {
 // The round-trip fixture pins the common forms; these are the rest.
 TEST(RegWriter, FormatsEachValueForm) {
     const ValueCase cases[] = {
-        {"n", kRegSz, "a\0b\0"s, "\"n\"=\"a\""},
-        {"n", kRegSz, "unterminated", "\"n\"=\"unterminated\""},
+        {"n", kRegSz, "a\0b\0"s, "\"n\"=hex(1):61,00,00,00,62,00,00,00"},
+        {"n", kRegSz, "unterminated", "\"n\"=hex(1):75,00,6e,00,74,00,65,00,72,00,6d,00,69,00,6e,00,61,00,74,00,65,00,\\\r\n"
+                                      "  64,00"},
+        {"", kRegSz, "", "@=hex(1):"},
         {"q\"\\", kRegSz, "C:\\x \"y\"\r\n\0"s, "\"q\\\"\\\\\"=\"C:\\\\x \\\"y\\\"\\r\\n\""},
         {"w", kRegDword, "\x1f\xbe\xad\x0e"s, "\"w\"=dword:0eadbe1f"},
         {"t", 0xABCD, "\x0a\xff"s, "\"t\"=hex(abcd):0a,ff"},
@@ -73,6 +75,10 @@ TEST(RegWriter, WhatIsWrittenReadsBackUnchanged) {
         {"e", kRegBinary, "", ""},
         {"x", kRegExpandSz, everyByte + '\0', ""},
         {"m", kRegMultiSz, "a\0\x81\x9d\xff\0\0"s, ""},
+        {"", kRegSz, "", ""},
+        {"unterminated", kRegSz, "\x80x", ""},
+        {"inner NUL", kRegSz, "a\0b\0"s, ""},
+        {"x unterminated", kRegExpandSz, "%P%", ""},
         {"odd", 0x12345678, "\x01"s, ""},
     };
     for (const RegTextEncoding encoding : {RegTextEncoding::Utf16, RegTextEncoding::Utf8}) {

@@ -1,7 +1,10 @@
 // Opening store files: damaged or foreign files are refused and left byte
 // for byte as they were, unreadable and read-only files, new files, and
 // where the store lives.
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -11,6 +14,7 @@
 
 #include "platform/debug_output.h"
 #include "platform/sqlite_db.h"
+#include "platform/sqlite_store_file.h"
 #include "platform/store.h"
 #include "store_test_access.h"
 #include "store_files.h"
@@ -165,6 +169,68 @@ TEST(StoreFile, NewStoresAreCreatedReadableByAllWritableByOwner) {
     const std::uint64_t generation = storeGeneration();
     closeStore();
     EXPECT_EQ(storeGeneration(), generation + 1);
+}
+
+// A store written when the micro sign still folded to capital mu finds its
+// names again once opened for writing.
+TEST(StoreFile, OlderStoresAreRefoldedOnOpening) {
+    const test::TempStore temp;
+    StoreBackend& store = currentStore();
+    const HKey key = test::createKey(store, "\xB5V");
+    ASSERT_EQ(setString(store, key, "\xB5v", "x"), 0);
+    store.closeKey(key);
+    closeStore();
+    {
+        SqliteConnection db;
+        ASSERT_EQ(db.open(temp.path(), SQLITE_OPEN_READWRITE), SQLITE_OK);
+        // U+039C then 'V', as the old rule folded "\xB5V" and "\xB5v".
+        ASSERT_EQ(db.exec("UPDATE keys SET folded = x'039C0056' WHERE name = x'B556';"
+                          "UPDATE key_values SET folded = x'039C0056' WHERE name = x'B576';"
+                          "PRAGMA user_version = 1"),
+                  SQLITE_OK);
+    }
+    temp.reopen();
+    HKey opened = kNoKey;
+    ASSERT_EQ(currentStore().openKey(kLocalMachine, "\xB5v", kKeyAllAccess, &opened), kErrorSuccess);
+    EXPECT_EQ(test::valueBytes(currentStore(), opened, "\xB5V"), std::string("x", 2));
+    currentStore().closeKey(opened);
+}
+
+// Whether another process finds the store file locked the way every open
+// connection in WAL mode keeps it (its shared lock range), asked from a child
+// because a process never conflicts with its own locks.
+bool lockedForOtherProcesses(const std::string& path) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int fd = ::open(path.c_str(), O_RDONLY);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        lock.l_start = 0x40000002;  // the shared-lock bytes past the pending and reserved ones
+        lock.l_len = 510;
+        const bool held = fd >= 0 && ::fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+        ::_exit(held ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// The tool and the plug-in it loads each open the store in one process; the
+// second opening must not drop the locks that guard the first connection,
+// or another process could check the log back into the file under it.
+TEST(StoreFile, SecondOpeningInOneProcessKeepsTheFirstOnesLocks) {
+    const std::string path = freshFolder("two-openings") + "/registry.db";
+    makeStore(path, 0);
+    SqliteStoreOpening first = openSqliteStore(path);
+    ASSERT_EQ(first.status.state, StoreOpenState::Open) << first.status.error;
+    HKey key = kNoKey;
+    ASSERT_EQ(first.backend->openKey(kLocalMachine, "SOFTWARE\\Probe", kKeyQueryValue, &key), kErrorSuccess);
+    ASSERT_TRUE(lockedForOtherProcesses(path));
+
+    SqliteStoreOpening second = openSqliteStore(path);
+    ASSERT_EQ(second.status.state, StoreOpenState::Open) << second.status.error;
+    EXPECT_TRUE(lockedForOtherProcesses(path));
 }
 
 TEST(StoreLocation, ChosenFromTheEnvironment) {

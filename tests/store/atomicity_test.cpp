@@ -14,9 +14,10 @@
 #include <regex>
 #include <thread>
 
-#include "dialogs/alist.h"
+#include "tcpip/alist.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "store/device_list_write.h"
 #include "temp_store.h"
 #include "tree_text.h"
 
@@ -48,13 +49,20 @@ const struct {
      [] { ConfigStore().AddDeviceEntry("INTF0", "GPIB0::5", "", ""); }},
     {"WriteVisaInfoDefaults", repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
      [] { resetVisaInfoWrittenFlag(), ConfigStore().WriteVisaInfoDefaults(); }},
+    {"writeDeviceList (the device list's OK)",
+     kIntf + repeated("[INTF0\\VISADev\\GPIB0::#]\n") + "[VISAInfo\\DefaultRsrcs\\INSTR" + kClass,
+     [] {
+         std::vector<std::string> devices;
+         for (int i = 0; i < kSize; ++i) devices.push_back("GPIB0::" + std::to_string(i));
+         writeDeviceList(ConfigStore(), {"INTF0", 1, devices, "INSTR"});
+     }},
     {"alias commit",
      "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" +
          repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
      [] {
-         dialogs::AList list;
+         tcpip::AList list;
          list.load();
-         for (list.reset(); dialogs::AliasEntry* entry = list.next();) {
+         for (list.reset(); tcpip::AliasEntry* entry = list.next();) {
              entry->setName(*entry->name() + "x");
              list.markChanged(entry);
          }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -71,6 +72,50 @@ TEST_F(RegfileTool, ImportThenExportGivesTheFileBack) {
               "Windows Registry Editor Version 5.00\n\n"
               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion\\INTF10]\n"
               "\"VISAName\"=\"TCPIP0\"\n\"VISAIntfType\"=\"TCPIP\"\n\"VISARsrcType\"=\"SOCKET\"\n\n");
+}
+
+// One non-ASCII name typed on the command line, imported from a .reg file,
+// exported, listed and written as JSON is one and the same name.
+TEST_F(RegfileTool, OneNonAsciiNameIsTheSameAtEveryEdge) {
+    const std::string bench = "B\xC3\xA4nch";  // as typed in a UTF-8 terminal
+    const std::string product = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
+    writeFile(path("intf.reg"), "Windows Registry Editor Version 5.00\n\n[" + product + "\\INTF0]\n\"VISAName\"=\"" +
+                                    bench + "\"\n\"VISAIntfType\"=\"GPIB\"\n\n[" + product + "\\INTF0\\VISADev]\n");
+    ASSERT_EQ(run({"import", path("intf.reg")}).exitCode, 0);
+    ASSERT_EQ(run({"aliases", "set", bench, "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
+    ASSERT_EQ(run({"devices", "INTF0", "add", bench + "::7"}).exitCode, 0);
+
+    const ToolRun exported = run({"export", "--utf8", path("out.reg")});
+    ASSERT_EQ(exported.exitCode, 0) << exported.err;
+    const std::string file = readFile(path("out.reg"));
+    EXPECT_EQ(file.find("B\xC3\x83\xC2\xA4nch"), std::string::npos) << "no UTF-8 bytes stored as text";
+    EXPECT_NE(file.find("[" + product + "\\INTF0\\VISADev\\" + bench + "::7]"), std::string::npos) << file;
+
+    // The exported file setting the alias again is the same alias, not a second one.
+    ASSERT_EQ(run({"import", path("out.reg")}).exitCode, 0);
+    const ToolRun aliases = run({"aliases"});
+    EXPECT_EQ(aliases.out.find(bench), aliases.out.rfind(bench)) << aliases.out;
+    EXPECT_NE(aliases.out.find(bench + "                TCPIP0::a::INSTR"), std::string::npos) << aliases.out;
+
+    EXPECT_EQ(run({"devices", "INTF0"}).out.rfind(bench + "::7\n", 0), 0u);
+    EXPECT_NE(run({"interfaces", "--json"}).out.find("\"visaName\": \"" + bench + "\""), std::string::npos);
+
+    const ToolRun refused = run({"aliases", "set", "\xE4\xB8\xAD", "--resource", "TCPIP0::a::INSTR"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_NE(refused.err.find("U+4E2D is not in the Windows-1252 code page"), std::string::npos) << refused.err;
+}
+
+// Control characters in store text reach a terminal escaped, a pipe as they are.
+TEST_F(RegfileTool, ControlCharactersAreEscapedOnATerminal) {
+    ASSERT_EQ(run({"aliases", "set", "A\x1b[31m", "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
+    EXPECT_NE(run({"aliases"}).out.find("A\x1b[31m"), std::string::npos);
+    // script(1) gives the tool a terminal as its standard output.
+    const std::string command = "script -qec \"'" BRAXCFG_TOOL_PATH "' --store '" + path("store.db") +
+                                "' aliases\" /dev/null > '" + path("tty") + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string shown = readFile(path("tty"));
+    EXPECT_NE(shown.find("A\\x1B[31m"), std::string::npos) << shown;
+    EXPECT_EQ(shown.find('\x1b'), std::string::npos);
 }
 
 TEST_F(RegfileTool, ErrorsExitWithCode2AndSayWhy) {

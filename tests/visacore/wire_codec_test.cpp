@@ -31,6 +31,46 @@ TEST(OncRpc, CallsMatchHandEncodedRecords) {
     EXPECT_EQ(rpc::getPortCall(7, 0x0607AF, 1),
               words({0x80000038, 7, 0, 2, 100000, 2, 3, 0, 0, 0, 0, 0x0607AF, 1, 6, 0}));
     EXPECT_EQ(rpc::destroyLinkCall(9, 42), words({0x8000002C, 9, 0, 2, 0x0607AF, 1, 23, 0, 0, 0, 0, 42}));
+    // device_write: link, io_timeout, lock_timeout, flags END, the data.
+    EXPECT_EQ(rpc::deviceWriteCall(3, 5, 1000, words({}, "*IDN?\n")),
+              words({0x80000044, 3, 0, 2, 0x0607AF, 1, 11, 0, 0, 0, 0, 5, 1000, 0, 8, 6}, "*IDN?\n\0\0"sv));
+    // device_read: link, requestSize, io_timeout, lock_timeout, flags, termChar.
+    EXPECT_EQ(rpc::deviceReadCall(4, 5, 65536, 250),
+              words({0x80000040, 4, 0, 2, 0x0607AF, 1, 12, 0, 0, 0, 0, 5, 65536, 250, 0, 0, 0}));
+}
+
+TEST(OncRpc, ServerSideReadsCallsAndWritesReplies) {
+    // Any credential flavor is skipped; the arguments start after the verifier.
+    const Bytes call = words({77, 0, 2, 100000, 2, 3, 1, 8, 0xAAAAAAAA, 0xBBBBBBBB, 0, 0, 0x0607AF, 1, 6, 0});
+    rpc::Call parsed;
+    ASSERT_TRUE(rpc::parseCall(call, parsed));
+    EXPECT_EQ(parsed.xid, 77u);
+    EXPECT_EQ(parsed.procedure, 3u);
+    EXPECT_EQ(Bytes(parsed.arguments.begin(), parsed.arguments.end()), words({0x0607AF, 1, 6, 0}));
+    for (const Bytes& bad : {words({77, 1, 2}), words({77, 0, 3, 1, 1, 1, 0, 0, 0, 0}), words({77, 0, 2, 1, 1})}) {
+        SCOPED_TRACE(bad.size());
+        EXPECT_FALSE(rpc::parseCall(bad, parsed));
+    }
+    // A reply the client's own parser takes back.
+    const Bytes reply = rpc::acceptedReply(77, rpc::kAcceptSuccess, words({4321}));
+    const rpc::Reply read = rpc::parseReply(rpc::withoutRecordMark(reply), 77);
+    std::uint32_t port = 0;
+    ASSERT_EQ(read.kind, Kind::Accepted);
+    ASSERT_TRUE(rpc::parseGetPortResult(read.results, port));
+    EXPECT_EQ(port, 4321u);
+    // Results follow only a successful call.
+    EXPECT_EQ(rpc::acceptedReply(5, rpc::kProcedureUnavailable, words({1})), words({0x80000018, 5, 1, 0, 0, 0, 3}));
+}
+
+TEST(OncRpc, ReadsDeviceReadResults) {
+    rpc::DeviceReadResult result;
+    const Bytes results = words({0, 4, 3}, "abc\0"sv);
+    ASSERT_TRUE(rpc::parseDeviceReadResult(results, result));
+    EXPECT_EQ(result.reason, rpc::kReasonEnd);
+    EXPECT_EQ(std::string(result.data.begin(), result.data.end()), "abc");
+    // Data longer than what arrived, or its padding missing.
+    EXPECT_FALSE(rpc::parseDeviceReadResult(words({0, 4, 9}, "abc\0"sv), result));
+    EXPECT_FALSE(rpc::parseDeviceReadResult(words({0, 4, 3}, "abc"), result));
 }
 
 TEST(OncRpc, ReadsReplyHeaders) {

@@ -4,14 +4,15 @@
 #include <iostream>
 
 #include "command.h"
-#include "dialogs/alist.h"
 #include "platform/store.h"
+#include "tcpip/alist.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
 
-using dialogs::AliasEntry;
-using dialogs::AList;
+using tcpip::AliasEntry;
+using tcpip::AList;
 
 // The aliases of the store, freed with the list.
 class LoadedAliases {
@@ -40,8 +41,10 @@ int listAliases() {
     std::printf("%-20s %-40s %s\n", "ALIAS", "RESOURCE (VISADevices)", "KORL ADDRESS (Devices)");
     aliases.list().reset();
     while (const AliasEntry* entry = aliases.list().next())
-        std::printf("%-20s %-40s %s\n", entry->name().value_or("").c_str(),
-                    entry->rsrcString().value_or("-").c_str(), entry->korlAddress().value_or("-").c_str());
+        std::cout << padded(forStdout(entry->name().value_or("")), 20) << " "
+                  << padded(forStdout(entry->rsrcString().value_or("-")), 40) << " "
+                  << forStdout(entry->korlAddress().value_or("-")) << "\n";
+    std::cout.flush();
     return 0;
 }
 
@@ -64,7 +67,7 @@ int setAlias(const std::string& name, const SplitArgs& split) {
         auto* added = new AliasEntry(name, resource, hasKorl && !korl.empty() ? AliasEntry::Text(korl) : std::nullopt);
         if (aliases.list().addRecord(added) != 0) {
             delete added;
-            return fail("cannot add the alias " + name);
+            return fail("cannot add the alias " + forStderr(name));
         }
     }
     return commitOrFail(aliases.list());
@@ -73,7 +76,7 @@ int setAlias(const std::string& name, const SplitArgs& split) {
 int removeAlias(const std::string& name) {
     LoadedAliases aliases;
     AliasEntry* entry = aliases.named(name);
-    if (entry == nullptr) return fail("no alias named " + name);
+    if (entry == nullptr) return fail("no alias named " + forStderr(name));
     aliases.list().markDeleted(entry);
     return commitOrFail(aliases.list());
 }

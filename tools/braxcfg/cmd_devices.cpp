@@ -4,9 +4,11 @@
 #include <iostream>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -22,7 +24,7 @@ std::string hexBytes(const std::string& bytes) {
 }
 
 std::string valueText(platform::RegType type, const std::string& bytes) {
-    if (type == platform::kRegSz) return "\"" + std::string(bytes.c_str()) + "\"";
+    if (type == platform::kRegSz) return "\"" + forStdout(bytes.c_str()) + "\"";
     if (type == platform::kRegDword && bytes.size() == 4) {
         char number[16];
         std::snprintf(number, sizeof number, "0x%08x",
@@ -45,22 +47,26 @@ void printValues(const std::string& keyPath) {
         if (name.empty()) break;
         std::string bytes;
         key.getRaw(name, type, bytes);
-        std::cout << "    " << name << " = " << valueText(type, bytes) << "\n";
+        std::cout << "    " << forStdout(name) << " = " << valueText(type, bytes) << "\n";
     }
 }
 
 int listDevices(const store::ConfigStore& store, const std::string& intf) {
+    // One transaction: the listing is one picture of the store, and its
+    // thousands of small reads share one lock round instead of one each.
+    const platform::StoreTransaction snapshot;
     std::uint32_t index = 0;
     for (std::string device; !(device = store.GetDeviceName(intf, index)).empty(); ++index) {
-        std::cout << device << "\n";
+        std::cout << forStdout(device) << "\n";
         std::uint32_t resourceIndex = 0;
         for (std::string resource; !(resource = store.GetDeviceRsrcName(intf, device, resourceIndex)).empty();
              ++resourceIndex) {
-            std::cout << "  " << resource << "\n";
+            std::cout << "  " << forStdout(resource) << "\n";
             printValues(intf + "\\VISADev\\" + device + "\\" + resource);
         }
     }
-    if (index == 0) std::cout << "No device entries on " << intf << " (" << store.GetVisaName(intf) << ").\n";
+    if (index == 0)
+        std::cout << "No device entries on " << forStdout(intf) << " (" << forStdout(store.GetVisaName(intf)) << ").\n";
     return 0;
 }
 
@@ -71,8 +77,9 @@ int runDevices(const Args& args) {
     const auto& words = split.operands;
     if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
     const std::string& intf = words[0];
+    if (const auto refused = refuseInterfaceKey(intf)) return *refused;
     const store::ConfigStore store;
-    if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
+    if (!store.IsValidVisaIntf(intf)) return fail(forStderr(intf) + " is not a valid VISA interface (no \"VISAName\")");
     const bool hasDeviceList = platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen();
     const std::string action = words.size() > 1 ? words[1] : "";
     const std::string classFilter = optionValue(split, "--class");
@@ -82,13 +89,15 @@ int runDevices(const Args& args) {
         return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
-        if (!hasDeviceList) return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
+        if (!hasDeviceList)
+            return fail(forStderr(intf) + " has no device list yet; set it up first: braxcfg setup " + forStderr(intf));
         if (const auto failure = store.AddDeviceEntry(intf, words[2], classFilter, "");
             failure != platform::StoreFailure::None)
             return fail(platform::storeFailureMessage(failure));
         if (store.GetDeviceRsrcName(intf, words[2], 0).empty())
             std::cerr << "braxcfg: note: no resource class of the VISAInfo\\DefaultRsrcs table applies to "
-                      << words[2] << (classFilter.empty() ? "" : " with --class " + classFilter) << "\n";
+                      << forStderr(words[2]) << (classFilter.empty() ? "" : " with --class " + forStderr(classFilter))
+                      << "\n";
         return 0;
     }
     if (action == "clear") {
@@ -96,7 +105,7 @@ int runDevices(const Args& args) {
         const auto failure = store.ClearDevices(intf);
         return failure == platform::StoreFailure::None ? 0 : fail(platform::storeFailureMessage(failure));
     }
-    return fail("unknown devices action '" + action + "' (add or clear)");
+    return fail("unknown devices action '" + forStderr(action) + "' (add or clear)");
 }
 
 const CommandRegistration kDevices(

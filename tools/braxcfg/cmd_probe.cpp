@@ -5,7 +5,8 @@
 #include <iostream>
 
 #include "command.h"
-#include "tcpip/resource_test.h"
+#include "tcpip/resource_probe.h"
+#include "tool_text.h"
 #include "ui/testing/message_box_capture.h"
 #include "visacore/probe_timeout.h"
 
@@ -33,7 +34,7 @@ int runProbe(const Args& args) {
     const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control);
     if (boxes.requests().empty()) return fail("the VISA resource manager could not be opened");
     const ui::MessageBoxRequest& box = boxes.requests().front();
-    std::cout << box.caption << "\n" << box.text << "\n";
+    std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n";
     return found == 1 ? 0 : 1;
 }
 

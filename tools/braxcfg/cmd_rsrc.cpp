@@ -1,10 +1,12 @@
 // rsrc dump | canon: resource strings through IoParms, as the dialogs see them.
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "command.h"
 #include "rsrc/io_parms.h"
+#include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -16,17 +18,33 @@ std::vector<char> writableCopy(const std::string& text) {
     return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
 }
 
+// The record as IoParms prints it, without its first line (the record's
+// address, which differs from run to run), in the user's encoding.
+void printRecord(rsrc::IoParms& parms) {
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::FILE* record = open_memstream(&text, &size);
+    if (record == nullptr) return;
+    parms.dumpFields(record);
+    std::fclose(record);
+    std::printf("\nIoParms record\n%s", forStdout(std::string_view(text, size), "\n").c_str());
+    std::free(text);
+}
+
 int dumpEach(const std::vector<std::string>& strings) {
     bool allParsed = true;
     for (const std::string& text : strings) {
         std::vector<char> buffer = writableCopy(text);
         rsrc::IoParms parms;
         allParsed = parms.parse(buffer.data(), false) >= 0 && allParsed;
-        parms.dump(stdout);
+        printRecord(parms);
     }
     return allParsed ? 0 : 1;
 }
 
+// One line per string: canonical name, alternate name, status. The names
+// are fetched one after the other, canonical first, and TAB or any other
+// control character in them is escaped so the columns stay columns.
 int canonEach(const std::vector<std::string>& strings) {
     bool allParsed = true;
     for (const std::string& text : strings) {
@@ -34,10 +52,10 @@ int canonEach(const std::vector<std::string>& strings) {
         rsrc::IoParms parms;
         const visa::ViStatus status = parms.parse(buffer.data(), false);
         allParsed = status >= 0 && allParsed;
-        char canonical[kNameChars];
-        char alternate[kNameChars];
-        std::printf("%s\t%s\t0x%08lX\n", parms.getCanonicalName(canonical, kNameChars),
-                    parms.getAltName(alternate, kNameChars),
+        char name[kNameChars];
+        const std::string canonical = escapedUtf8(parms.getCanonicalName(name, kNameChars));
+        const std::string alternate = escapedUtf8(parms.getAltName(name, kNameChars));
+        std::printf("%s\t%s\t0x%08lX\n", canonical.c_str(), alternate.c_str(),
                     static_cast<unsigned long>(static_cast<std::uint32_t>(status)));
     }
     return allParsed ? 0 : 1;

@@ -36,6 +36,11 @@ const std::vector<Command>& registeredCommands();
 inline constexpr int kExitError = 2;
 int fail(const std::string& message);
 
+// Opens the store as `use` needs it (nothing for StoreUse::None): the file
+// `path`, or the one resolveStorePath() names when `path` is empty. 0, or
+// kExitError after saying why the store cannot be used.
+int prepareStore(StoreUse use, const std::string& path = "");
+
 // "--" ends the options; after it every argument is an operand, even an
 // empty one or one that starts with "-".
 struct SplitArgs {
@@ -43,13 +48,29 @@ struct SplitArgs {
     std::vector<std::string> operands;  // everything else, in order
 };
 
+// Arguments that name files: they stay as the system gave them, while every
+// other operand and option value becomes system text (cp1252, see
+// tool_text.h).
+struct PathArgs {
+    std::vector<std::string> options;  // options whose value is a path
+    bool operands = false;             // the operands are paths
+};
+
 // Separates options from operands. `valued` lists the options that take a
-// value ("--key"); their value is the next word. Unknown options are an
-// error, reported through `error`.
+// value ("--key"); their value is the next word. Unknown options, and an
+// argument that cannot be system text, are an error reported through
+// `error`.
 bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
-               SplitArgs& out, std::string& error);
+               SplitArgs& out, std::string& error, const PathArgs& paths = {});
 // The value of a valued option, or empty/false when absent.
 std::string optionValue(const SplitArgs& split, const std::string& name);
 bool hasOption(const SplitArgs& split, const std::string& name);
+
+}  // namespace braxcfg::tool
+
+namespace braxcfg::tool {
+
+// A whole decimal number from `min` to `max` (no sign, no blanks).
+bool parseWholeNumber(const std::string& text, long long min, long long max, long long& value);
 
 }  // namespace braxcfg::tool

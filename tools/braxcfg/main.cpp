@@ -5,7 +5,7 @@
 #include <string>
 
 #include "command.h"
-#include "platform/store.h"
+#include "config_window_logic.h"
 
 namespace {
 
@@ -38,22 +38,6 @@ bool asksForHelp(const Args& args) {
     return false;
 }
 
-// Opens the store a command needs and says clearly why it cannot be used.
-int prepareStore(const Command& command, const std::string& storeOption) {
-    using namespace braxcfg::platform;
-    if (command.store == braxcfg::tool::StoreUse::None) return 0;
-    if (storeOption.empty() && std::getenv("BRAXCFG_STORE") != nullptr && *std::getenv("BRAXCFG_STORE") == '\0')
-        return braxcfg::tool::fail("BRAXCFG_STORE is set but empty; name a store file or unset it");
-    const std::string path = storeOption.empty() ? resolveStorePath() : storeOption;
-    const StoreStatus status = openStore(path);
-    if (status.state != StoreOpenState::Open)
-        return braxcfg::tool::fail("cannot use the store " + path + ": " + status.error);
-    if (command.store == braxcfg::tool::StoreUse::Write && !status.writable)
-        return braxcfg::tool::fail("the store " + path +
-                                   " is not writable by this user; run as its owner or pass --store PATH");
-    return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -77,6 +61,10 @@ int main(int argc, char** argv) {
         setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
 #endif
     }
+    // Without a command a person gets the configuration window, when one can be shown.
+    if (args.empty() && braxcfg::tool::canShowWindows(std::getenv("QT_QPA_PLATFORM"), std::getenv("DISPLAY"),
+                                                       std::getenv("WAYLAND_DISPLAY")))
+        args.emplace_back("gui");
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printOverview(std::cout);
         return args.empty() ? braxcfg::tool::kExitError : 0;
@@ -91,6 +79,6 @@ int main(int argc, char** argv) {
         std::cout << command->usage;
         return 0;
     }
-    if (int rc = prepareStore(*command, storeOption); rc != 0) return rc;
+    if (int rc = braxcfg::tool::prepareStore(command->store, storeOption); rc != 0) return rc;
     return command->run(rest);
 }

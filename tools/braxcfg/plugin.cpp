@@ -29,6 +29,15 @@ std::vector<std::string> candidatePaths() {
 
 }  // namespace
 
+void addPluginFolderToModulePath() {
+    const auto dir = executableDirectory();
+    if (dir.empty()) return;
+    std::string path = (dir.parent_path() / "lib").string();
+    if (const char* env = std::getenv("BRAXCFG_MODULE_PATH"); env != nullptr && *env != '\0')
+        path = std::string(env) + ":" + path;
+    setenv("BRAXCFG_MODULE_PATH", path.c_str(), 1);
+}
+
 Plugin::Plugin() {
     // Like every path the product reads from the environment, the plug-in's
     // must be absolute: a relative one would load whatever the working

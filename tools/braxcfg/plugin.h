@@ -7,6 +7,12 @@
 
 namespace braxcfg::tool {
 
+// Adds the folder the plug-in is installed in (../lib beside the tool) to
+// BRAXCFG_MODULE_PATH, after the entries already there, so that searches
+// the tool runs itself find the modules shipped beside the plug-in, as the
+// plug-in's own searches do.
+void addPluginFolderToModulePath();
+
 class Plugin {
 public:
     // Looks in $BRAXCFG_PLUGIN, next to the tool (../lib), then the build tree.

@@ -1,8 +1,8 @@
 #include "platform/regfile/reg_decode.h"
 
+#include "platform/cp1252.h"
 #include "platform/regfile/line_cursor.h"
 #include "platform/regfile/reg_grammar.h"
-#include "platform/regfile/unicode_decode.h"
 
 namespace braxcfg::platform::regfile {
 namespace {

@@ -42,15 +42,18 @@ std::optional<RegError> RegImporter::apply(const RegOp& op) {
                 r != kErrorSuccess && r != kErrorFileNotFound)
                 return refused(op, "delete " + fullKeyPath(op.keyPath), r);
             return std::nullopt;
-        case RegOpKind::SetValue:
-            // Text values already end in their NUL, so the store adds none;
-            // the byte it may look at past the data is std::string's NUL.
+        case RegOpKind::SetValue: {
+            // The store adds a terminator to a string when the byte past
+            // the data is NUL; a byte that is not keeps the data exactly as
+            // the file gave it (text without a terminator included).
+            const std::string sentinelled = op.data + '\x01';
             if (const RegResult r = store_.setValue(current_.get(), name.c_str(), op.type,
-                                                    reinterpret_cast<const std::uint8_t*>(op.data.data()),
+                                                    reinterpret_cast<const std::uint8_t*>(sentinelled.data()),
                                                     static_cast<std::uint32_t>(op.data.size()));
                 r != kErrorSuccess)
                 return refused(op, "set the value \"" + name + "\"", r);
             return std::nullopt;
+        }
         case RegOpKind::DeleteValue:
             if (const RegResult r = store_.deleteValue(current_.get(), name.c_str());
                 r != kErrorSuccess && r != kErrorFileNotFound)

@@ -2,21 +2,25 @@
 
 #include <algorithm>
 
+#include "platform/cp1252.h"
 #include "platform/regfile/line_cursor.h"
 #include "platform/regfile/reg_decode.h"
 #include "platform/regfile/reg_grammar.h"
 #include "platform/regfile/reg_path.h"
-#include "platform/regfile/unicode_decode.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
 
 // Quotes a piece of the offending text for a message, shortened so that a
-// runaway line does not flood the terminal.
+// runaway line does not flood the terminal. Built by appending: GCC 12 at
+// -O3 takes `"\"" + std::string(...)` for an overlapping copy (-Wrestrict).
 std::string quoted(std::string_view text) {
     constexpr std::size_t kShown = 60;
-    if (text.size() > kShown) return "\"" + std::string(text.substr(0, kShown)) + "...\"";
-    return "\"" + std::string(text) + "\"";
+    std::string out = "\"";
+    out += text.substr(0, kShown);
+    if (text.size() > kShown) out += "...";
+    out += '"';
+    return out;
 }
 
 std::string_view trimTrailingBlanks(std::string_view text) {
@@ -302,8 +306,8 @@ bool RegParser::continueHexList(LineCursor& cursor) {
 }
 
 // Text types in hex form: narrow bytes after REGEDIT4, UTF-16LE after the
-// version 5.00 header. Either way the store gets narrow text ending in one
-// NUL (added when the list does not end in one).
+// version 5.00 header. The store gets exactly the units listed, converted:
+// no NUL is added, so data written without a terminator comes back so.
 bool RegParser::textFromHex(RegOp& op) {
     if (!isTextType(op.type)) return true;
     if (version_ == RegVersion::Version5) {
@@ -316,7 +320,6 @@ bool RegParser::textFromHex(RegOp& op) {
         if (auto message = appendNarrow(units, UnicodeForm::Utf16Le, op.data))
             return fail(op.line, "hex(" + std::to_string(op.type) + ") text: " + *message);
     }
-    if (!op.data.empty() && op.data.back() != '\0') op.data += '\0';
     return true;
 }
 

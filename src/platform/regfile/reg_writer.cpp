@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/regfile/cp1252.h"
+#include "platform/cp1252.h"
 #include "platform/regfile/reg_grammar.h"
 #include "platform/regfile/reg_path.h"
 
@@ -38,6 +38,13 @@ void appendHexBytes(std::string& line, std::string_view bytes, std::string_view 
     }
 }
 
+// A quoted string reads back as its text plus one NUL, so only data of
+// exactly that shape may be written as one; anything else (no terminator,
+// no bytes at all, a NUL inside) goes out as hex(1) and reads back as it was.
+bool isQuotableString(std::string_view bytes) {
+    return !bytes.empty() && bytes.find('\0') == bytes.size() - 1;
+}
+
 std::uint32_t littleEndianDword(std::string_view bytes) {
     std::uint32_t value = 0;
     for (int i = 3; i >= 0; --i) value = (value << 8) | static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]);
@@ -71,9 +78,13 @@ std::string escapeRegString(std::string_view text) {
 }
 
 std::string formatRegValue(std::string_view name, RegType type, std::string_view bytes, std::string_view lineEnd) {
-    std::string line = name.empty() ? std::string("@=") : "\"" + escapeRegString(name) + "\"=";
-    if (type == kRegSz) {
-        return line + "\"" + escapeRegString(bytes.substr(0, bytes.find('\0'))) + "\"";
+    // Appended piece by piece: GCC 12 at -O3 takes `"\"" + std::string`
+    // for an overlapping copy (-Wrestrict).
+    std::string line = name.empty() ? "@=" : "\"";
+    if (!name.empty()) line.append(escapeRegString(name)).append("\"=");
+    if (type == kRegSz && isQuotableString(bytes)) {
+        line.append("\"").append(escapeRegString(bytes.substr(0, bytes.size() - 1))).append("\"");
+        return line;
     }
     if (type == kRegDword && bytes.size() == 4) {
         char buffer[16];

@@ -3,8 +3,10 @@
 // the header, then for every key a blank line, "[HKEY_LOCAL_MACHINE\path]"
 // and one line per value, and one more line end at the very end.
 //
-// Values: "@=" for the default value; REG_SZ as "text" cut at its first
-// NUL and never wrapped; a 4-byte REG_DWORD as dword:%08x; everything else
+// Values: "@=" for the default value; REG_SZ ending in its one NUL as
+// "text", never wrapped (any other REG_SZ data, empty, unterminated or
+// with a NUL inside, as hex(1) so that it reads back byte for byte); a
+// 4-byte REG_DWORD as dword:%08x; everything else
 // as hex: (REG_BINARY) or hex(t): with t in lower-case hex, the text types
 // dumped as UTF-16LE. Hex bytes are lower case, comma separated, and once
 // a line holds 77 characters or more after a comma it goes on after "\",

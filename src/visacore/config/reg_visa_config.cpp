@@ -8,6 +8,7 @@
 
 #include "platform/registry.h"
 #include "platform/store.h"
+#include "platform/subkey_memo.h"
 #include "visacore/config/config_names.h"
 
 namespace braxcfg::visa {
@@ -37,8 +38,9 @@ std::optional<int> intfNumberOf(const std::string& name) {
     return static_cast<int>(number);
 }
 
-std::vector<int> existingIntfNumbers() {
-    const Registry root("", kRegOpenExisting);
+namespace {
+
+std::vector<int> sortedIntfNumbers(const Registry& root) {
     std::vector<int> numbers;
     if (!root.isOpen()) return numbers;
     std::array<char, platform::kMaxKeyNameLength + 1> name{};
@@ -51,8 +53,7 @@ std::vector<int> existingIntfNumbers() {
     return numbers;
 }
 
-int RegVISAConfig::getMaxIntfNum() {
-    const Registry root("", kRegOpenExisting);
+int highestIntfNumber(const Registry& root) {
     int highest = 0;
     for (std::uint32_t index = 0;; ++index) {
         const std::string name = root.enumKey(index);
@@ -64,10 +65,24 @@ int RegVISAConfig::getMaxIntfNum() {
     return highest;
 }
 
+}  // namespace
+
+// Both are asked before every round of the end of a pass; each is computed
+// again only when the product key's subkey list changed.
+std::shared_ptr<const std::vector<int>> existingIntfNumbers() {
+    static platform::SubkeyMemo<std::vector<int>> memo;
+    return memo.get(Registry("", kRegOpenExisting), sortedIntfNumbers);
+}
+
+int RegVISAConfig::getMaxIntfNum() {
+    static platform::SubkeyMemo<int> memo;
+    return *memo.get(Registry("", kRegOpenExisting), highestIntfNumber);
+}
+
 RegVISAIntfConfig::RegVISAIntfConfig(RegVISAConfig* config, const char* intf) {
     if (config == nullptr || intf == nullptr) return;
     const int highest = config->getMaxIntfNum();
-    for (const int n : existingIntfNumbers()) {
+    for (const int n : *existingIntfNumbers()) {
         if (n > highest) break;
         std::string keyName = "INTF" + std::to_string(n);
         if (Registry(keyName, kRegOpenExisting).getString("VISAName") == intf) {

@@ -1,6 +1,7 @@
 #pragma once
 // The VISA configuration kept in the configuration store: interface keys
 // "INTF<n>" below the product key.
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ std::optional<int> intfNumberOf(const std::string& name);
 // The numbers of the INTF<n> keys below the product key, ascending. Every
 // subkey name is read, whatever its length, so only the keys that exist are
 // visited: no loop runs up to a stray INTF2147483647.
-std::vector<int> existingIntfNumbers();
+std::shared_ptr<const std::vector<int>> existingIntfNumbers();
 
 class RegVISAConfig : public BaseVISAConfig {
 public:

@@ -15,15 +15,21 @@ std::uint64_t getBigEndian(std::span<const std::uint8_t> bytes) {
 
 }  // namespace
 
+std::vector<std::uint8_t> message(std::uint8_t type, std::uint8_t control, std::uint32_t parameter,
+                                  std::span<const std::uint8_t> payload) {
+    std::vector<std::uint8_t> out{'H', 'S', type, control};
+    putBigEndian(out, parameter, 4);
+    putBigEndian(out, payload.size(), 8);
+    out.insert(out.end(), payload.begin(), payload.end());
+    return out;
+}
+
 std::vector<std::uint8_t> initializeMessage(std::string_view subAddress) {
-    std::vector<std::uint8_t> message{'H', 'S', kInitialize, 0};
     const std::uint32_t parameter = std::uint32_t{kClientVersion} << 16 |
                                     std::uint32_t{static_cast<std::uint8_t>(kVendorId[0])} << 8 |
                                     static_cast<std::uint8_t>(kVendorId[1]);
-    putBigEndian(message, parameter, 4);
-    putBigEndian(message, subAddress.size(), 8);
-    message.insert(message.end(), subAddress.begin(), subAddress.end());
-    return message;
+    return message(kInitialize, 0, parameter,
+                   {reinterpret_cast<const std::uint8_t*>(subAddress.data()), subAddress.size()});
 }
 
 bool parseHeader(std::span<const std::uint8_t> bytes, Header& out) {

@@ -1,6 +1,6 @@
 #pragma once
-// The HiSLIP messages a probe needs: the Initialize it sends on the
-// synchronous channel, and the header of the server's answer.
+// HiSLIP messages: the 16-byte header and the few message types a client
+// and the simulator exchange to open a session and pass one query.
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -14,7 +14,14 @@ enum MessageType : std::uint8_t {
     kInitialize = 0,
     kInitializeResponse = 1,
     kFatalError = 2,
+    kData = 6,
+    kDataEnd = 7,
+    kAsyncInitialize = 17,
+    kAsyncInitializeResponse = 18,
 };
+
+// The first message ID a client uses; each message adds 2.
+inline constexpr std::uint32_t kFirstMessageId = 0xFFFFFF00u;
 
 // FatalError code a server sends when it has no room for another client.
 inline constexpr std::uint8_t kFatalMaxClients = 4;
@@ -33,6 +40,9 @@ struct Header {
     std::uint64_t payloadLength = 0;
 };
 
+// Any message: header and payload.
+std::vector<std::uint8_t> message(std::uint8_t type, std::uint8_t control, std::uint32_t parameter,
+                                  std::span<const std::uint8_t> payload = {});
 std::vector<std::uint8_t> initializeMessage(std::string_view subAddress);
 
 // False when the bytes do not start with the "HS" prologue (or are short).

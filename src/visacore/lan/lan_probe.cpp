@@ -8,8 +8,6 @@
 #include "visacore/lan/probe_step.h"
 
 namespace braxcfg::visa::lan {
-namespace {
-
 ViStatus resolveStatus(ResolveOutcome outcome) {
     switch (outcome) {
     case ResolveOutcome::Resolved: return VI_SUCCESS;
@@ -20,6 +18,8 @@ ViStatus resolveStatus(ResolveOutcome outcome) {
     }
     return VI_ERROR_SYSTEM_ERROR;
 }
+
+namespace {
 
 ViStatus probeParsed(const LanResource& resource, const LanProbeOptions& options) {
     const Deadline deadline(options.budget);

@@ -163,4 +163,19 @@ ViStatus parseLanResource(std::string_view text, LanResource& out) {
     return parseDeviceName(deviceName, out) ? VI_SUCCESS : VI_ERROR_INV_RSRC_NAME;
 }
 
+std::string formatLanResource(const LanResource& resource) {
+    const bool ipv6 = resource.host.find(':') != std::string::npos;
+    std::string text = "TCPIP" + std::to_string(resource.board) + "::" +
+                       (ipv6 ? "[" + resource.host + "]" : resource.host) + "::";
+    switch (resource.protocol) {
+    case LanProtocol::Socket: return text + std::to_string(resource.port) + "::SOCKET";
+    case LanProtocol::Hislip:
+        text += resource.deviceName;
+        if (resource.port != kHislipDefaultPort) text += "," + std::to_string(resource.port);
+        return text + "::INSTR";
+    case LanProtocol::Vxi11: break;
+    }
+    return text + resource.deviceName + "::INSTR";
+}
+
 }  // namespace braxcfg::visa::lan

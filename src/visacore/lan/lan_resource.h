@@ -31,4 +31,9 @@ struct LanResource {
 // VI_ERROR_INV_RSRC_NAME.
 ViStatus parseLanResource(std::string_view text, LanResource& out);
 
+// The canonical resource string: "TCPIP0::10.0.0.5::inst0::INSTR",
+// "TCPIP0::10.0.0.5::hislip0,4881::INSTR" (the port only when it is not
+// 4880), "TCPIP0::[fe80::1%eth0]::5025::SOCKET".
+std::string formatLanResource(const LanResource& resource);
+
 }  // namespace braxcfg::visa::lan

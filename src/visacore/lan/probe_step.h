@@ -7,6 +7,7 @@
 #include "visacore/cancel_token.h"
 #include "visacore/lan/socket_address.h"
 #include "visacore/lan/tcp_link.h"
+#include "visacore/lan/resolver.h"
 #include "visacore/visa_types.h"
 
 namespace braxcfg::visa::lan {
@@ -21,6 +22,9 @@ struct ProbeContext {
 // connect means the host answered, so the resource is what is missing;
 // `closedStatus` is what the protocol makes of a peer that hung up.
 ViStatus linkStatus(NetStatus status, ViStatus closedStatus);
+
+// The status for a host name that did not resolve to an address.
+ViStatus resolveStatus(ResolveOutcome outcome);
 
 ViStatus probeVxi11(const SocketAddress& host, std::string_view device, const ProbeContext& context);
 ViStatus probeHislip(const SocketAddress& host, std::string_view subAddress, std::uint16_t port,

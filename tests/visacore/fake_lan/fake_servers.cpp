@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "visacore/lan/sim/sim_site.h"
+
 namespace braxcfg::test {
 namespace {
 
@@ -66,26 +68,13 @@ Bytes hislipHeader(std::uint8_t type, std::uint8_t control, std::uint32_t parame
 
 }  // namespace
 
-// One accepted connection. Reads fail at the end of the stream or when the
+// One accepted connection: the simulator's stream, which the scripts
+// drive wrongly on purpose. Reads fail at the end of the stream or when the
 // server stops.
-struct Peer {
-    int fd;
-    // Exactly `size` more bytes.
-    bool read(std::size_t size, Bytes& out) const {
-        out.resize(out.size() + size);
-        return size == 0 || recv(fd, out.data() + out.size() - size, size, MSG_WAITALL) == static_cast<ssize_t>(size);
-    }
-    // One RPC record, fragments joined.
-    bool readRecord(Bytes& record) const {
-        record.clear();
-        for (Bytes mark; read(4, mark); mark.clear()) {
-            const std::uint32_t word = wordAt(mark, 0), size = word & ~kLastFragment;
-            if (size > 4096 || !read(size, record)) return false;
-            if (word != size) return true;  // the last fragment
-        }
-        return false;
-    }
-    void write(const Bytes& bytes) const { send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+struct Peer : visa::lan::sim::Stream {
+    // One RPC record, fragments joined; small ones only.
+    bool readSmallRecord(Bytes& record) const { return readRecord(record) && record.size() <= 4096; }
+    void send(const Bytes& bytes) const { write(bytes); }
     // Stays silent until the client leaves or the server stops.
     std::size_t drain() const {
         std::size_t total = 0;
@@ -107,7 +96,7 @@ FakeServer::FakeServer(Handler handler) : handler_(std::move(handler)), listenFd
                 if (stopping_) shutdown(fd, SHUT_RDWR);
             }
             ++accepted_;
-            Peer peer{fd};
+            Peer peer{{fd}};
             handler_(peer);
             std::lock_guard lock(mutex_);
             current_ = -1;
@@ -155,14 +144,14 @@ std::uint16_t closedPort() {
 FakeServer::Handler portmapper(PortmapScript script) {
     return [script](Peer& peer) {
         Bytes call;
-        if (!peer.readRecord(call)) return;
+        if (!peer.readSmallRecord(call)) return;
         const std::uint32_t xid = wordAt(call, 0);
         switch (script.reply) {
-        case PortmapScript::Reply::Port: return peer.write(rpcRecord({xid, 1, 0, 0, 0, 0, script.port}));
-        case PortmapScript::Reply::ProgramUnavailable: return peer.write(rpcRecord({xid, 1, 0, 0, 0, 1}));
-        case PortmapScript::Reply::Denied: return peer.write(rpcRecord({xid, 1, 1, 0, 2, 2}));
-        case PortmapScript::Reply::WrongXid: return peer.write(rpcRecord({xid + 1, 1, 0, 0, 0, 0, script.port}));
-        case PortmapScript::Reply::Garbage: return peer.write(text("HTTP/1.0 400 Bad Request\r\n\r\n"));
+        case PortmapScript::Reply::Port: return peer.send(rpcRecord({xid, 1, 0, 0, 0, 0, script.port}));
+        case PortmapScript::Reply::ProgramUnavailable: return peer.send(rpcRecord({xid, 1, 0, 0, 0, 1}));
+        case PortmapScript::Reply::Denied: return peer.send(rpcRecord({xid, 1, 1, 0, 2, 2}));
+        case PortmapScript::Reply::WrongXid: return peer.send(rpcRecord({xid + 1, 1, 0, 0, 0, 0, script.port}));
+        case PortmapScript::Reply::Garbage: return peer.send(text("HTTP/1.0 400 Bad Request\r\n\r\n"));
         case PortmapScript::Reply::Close: return;
         case PortmapScript::Reply::Silent: peer.drain();
         }
@@ -171,7 +160,7 @@ FakeServer::Handler portmapper(PortmapScript script) {
 
 FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> record) {
     return [script, record](Peer& peer) {
-        for (Bytes call; peer.readRecord(call);) {
+        for (Bytes call; peer.readSmallRecord(call);) {
             if (script.silent) {
                 peer.drain();
                 return;
@@ -193,7 +182,7 @@ FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> rec
             } else {
                 reply.back() = 3;  // PROC_UNAVAIL
             }
-            peer.write(rpcRecord(reply, script.fragmentedReply ? 3 : 0));
+            peer.send(rpcRecord(reply, script.fragmentedReply ? 3 : 0));
         }
     };
 }
@@ -206,11 +195,11 @@ FakeServer::Handler hislipServer(HislipScript script, std::shared_ptr<HislipReco
             return;
         record->subAddresses.emplace_back(payload.begin(), payload.end());
         switch (script.reply) {
-        case HislipScript::Reply::InitializeResponse: return peer.write(hislipHeader(1, 0, 0x01000001));
-        case HislipScript::Reply::FatalError: return peer.write(hislipHeader(2, script.fatalCode, 0));
+        case HislipScript::Reply::InitializeResponse: return peer.send(hislipHeader(1, 0, 0x01000001));
+        case HislipScript::Reply::FatalError: return peer.send(hislipHeader(2, script.fatalCode, 0));
         case HislipScript::Reply::Close: return;
-        case HislipScript::Reply::Garbage: return peer.write(text("220 service ready\r\n"));
-        case HislipScript::Reply::OtherMessage: return peer.write(hislipHeader(7, 0, 0));
+        case HislipScript::Reply::Garbage: return peer.send(text("220 service ready\r\n"));
+        case HislipScript::Reply::OtherMessage: return peer.send(hislipHeader(7, 0, 0));
         case HislipScript::Reply::Silent: peer.drain();
         }
     };

@@ -45,4 +45,28 @@ __attribute__((visibility("default"))) std::int32_t viStatusDesc(std::uint32_t, 
     return 0;
 }
 
+// Resources on GPIB0 only, as a search of "GPIB0::?*INSTR" lists them.
+constexpr const char* kGpib0Resources[] = {"GPIB0::7::INSTR", "GPIB0::3::INSTR", "GPIB0::5::3::INSTR"};
+constexpr std::uint32_t kFindList = 0x7171;
+static std::uint32_t nextFound = 0;
+
+__attribute__((visibility("default"))) std::int32_t viFindRsrc(std::uint32_t rm, const char* pattern,
+                                                               std::uint32_t* list, std::uint32_t* count,
+                                                               char* first) {
+    if (rm != kRm) return static_cast<std::int32_t>(0xBFFF000Eu);
+    if (std::strcmp(pattern, "GPIB0::?*INSTR") != 0) return static_cast<std::int32_t>(0xBFFF0011u);
+    *list = kFindList;
+    *count = sizeof kGpib0Resources / sizeof kGpib0Resources[0];
+    std::strcpy(first, kGpib0Resources[0]);
+    nextFound = 1;
+    return 0;
+}
+
+__attribute__((visibility("default"))) std::int32_t viFindNext(std::uint32_t list, char* name) {
+    if (list != kFindList || nextFound >= sizeof kGpib0Resources / sizeof kGpib0Resources[0])
+        return static_cast<std::int32_t>(0xBFFF0011u);
+    std::strcpy(name, kGpib0Resources[nextFound++]);
+    return 0;
+}
+
 }  // extern "C"

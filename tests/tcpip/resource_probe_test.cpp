@@ -1,0 +1,87 @@
+#include "tcpip/resource_probe.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "fake_servers.h"
+#include "ui/testing/message_box_capture.h"
+#include "visacore/visa_api.h"
+
+namespace braxcfg::tcpip {
+namespace {
+
+using ui::MessageIcon;
+using namespace visa;
+
+// The built-in VISA: a VISA library installed on the machine must not answer.
+[[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
+
+struct Outcome { const char* caption; MessageIcon icon; int result; };
+const Outcome kFound{"Resource Found", MessageIcon::Information, 1};
+const Outcome kLocated{"Host Located But Resource Not Found", MessageIcon::Question, 0};
+const Outcome kNotFound{"Resource Not Found", MessageIcon::Stop, 0};
+
+TEST(ResourceTestMessage, WordingCaptionAndIconFollowTheStatus) {
+    const std::string rsrc = "TCPIP0::scope1.lab::inst0::INSTR";
+    const std::string foundAlias = "The resource 'scope1' was found.\n\n(TCPIP0::scope1.lab::inst0::INSTR)";
+    const std::string notFound = "The resource 'TCPIP0::scope1.lab::inst0::INSTR' was not found.";
+    const struct { ViStatus status; const char* alias; std::string text; Outcome outcome; } cases[] = {
+        {VI_SUCCESS, "", "The resource 'TCPIP0::scope1.lab::inst0::INSTR' was found.", kFound},
+        {VI_SUCCESS, "scope1", foundAlias, kFound},
+        {toStatus(0x3FFF007Du), "scope1", foundAlias, kFound},  // a warning counts as found
+        {VI_ERROR_RSRC_NFOUND, "", notFound, kLocated},
+        {VI_ERROR_RSRC_NFOUND, "scope1", notFound, kLocated},  // the alias is never named when not found
+        {VI_ERROR_MACHINE_NAVAIL, "scope1", notFound, kNotFound},
+        {VI_ERROR_TMO, "", notFound, kNotFound},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << c.status << " alias '" << c.alias << "'");
+        const ResourceTestMessage message = resourceTestMessage(c.status, c.alias, rsrc);
+        EXPECT_EQ(message.text, c.text);
+        EXPECT_EQ(message.caption, c.outcome.caption);
+        EXPECT_EQ(message.icon, c.outcome.icon);
+        EXPECT_EQ(message.result, c.outcome.result);
+    }
+}
+
+TEST(TestResource, ShowsTheOutcomeOwnedByTheCaller) {
+    using Reply = test::HislipScript::Reply;
+    test::FakeServer found(test::hislipServer({Reply::InitializeResponse}, std::make_shared<test::HislipRecord>()));
+    test::FakeServer located(test::hislipServer({Reply::FatalError, 3}, std::make_shared<test::HislipRecord>()));
+    test::SilentListener silent;
+    const std::pair<std::uint16_t, Outcome> cases[] = {{found.port(), kFound}, {located.port(), kLocated},
+                                                       {silent.port(), kNotFound}};
+    auto* owner = reinterpret_cast<QWidget*>(0x1234);
+    for (const auto& [port, outcome] : cases) {
+        SCOPED_TRACE(outcome.caption);
+        const std::string resource = "TCPIP0::127.0.0.1::hislip0," + std::to_string(port) + "::INSTR";
+        ui::MessageBoxCapture boxes;
+        EXPECT_EQ(TestResource(owner, "scope1", resource, {std::chrono::milliseconds(300)}), outcome.result);
+        ASSERT_EQ(boxes.requests().size(), 1u);
+        EXPECT_EQ(boxes.requests()[0].owner, owner);
+        EXPECT_EQ(boxes.requests()[0].caption, outcome.caption);
+        EXPECT_EQ(boxes.requests()[0].icon, outcome.icon);
+        EXPECT_EQ(boxes.requests()[0].text, resourceTestMessage(outcome.result == 1 ? 0 : -1, "scope1", resource).text);
+    }
+}
+
+TEST(TestResource, ClosesItsSessionEveryTime) {
+    // More tests than the session table holds: a leaked session would make
+    // the later ones fail without a box.
+    ui::MessageBoxCapture boxes;
+    for (int i = 0; i < 300; ++i) TestResource(nullptr, "", "TCPIP0::");
+    EXPECT_EQ(boxes.requests().size(), 300u);
+}
+
+TEST(TestResource, SaysNothingWhenTheResourceManagerCannotOpen) {
+    std::vector<ViSession> held;
+    ViSession session = VI_NULL;
+    while (held.size() < 10000 && viOpenDefaultRM(&session) == VI_SUCCESS) held.push_back(session);
+    ui::MessageBoxCapture boxes;
+    EXPECT_EQ(TestResource(nullptr, "", "TCPIP0::127.0.0.1::1::SOCKET"), 0);
+    EXPECT_TRUE(boxes.requests().empty());
+    for (ViSession s : held) viClose(s);
+}
+
+}  // namespace
+}  // namespace braxcfg::tcpip

@@ -1,0 +1,73 @@
+// The LAN resource list's rules that its scenarios do not reach: entries
+// without a TAB, automatic aliases running out, the KORL formats' bounds and
+// Edit's taking apart by position.
+#include "tcpip/tcpipshowdev_logic.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace braxcfg::tcpip {
+namespace {
+
+TEST(ListEntry, SplitsAtTheFirstTab) {
+    const std::array<std::array<const char*, 3>, 3> cases = {{
+        {"\tTCPIP0::h::5025::SOCKET", "", "TCPIP0::h::5025::SOCKET"},
+        {"TCPIP0::h::inst0::INSTR", "", "TCPIP0::h::inst0::INSTR"},  // no TAB: all resource
+        {"a\tb\tc", "a", "b\tc"},
+    }};
+    for (const auto& [entry, alias, resource] : cases) {
+        EXPECT_EQ(splitEntry(entry).alias, alias) << entry;
+        EXPECT_EQ(splitEntry(entry).resource, resource) << entry;
+    }
+}
+
+TEST(AutomaticAlias, SkipsDeletedNamesAndKeepsTheLastTriedWhenAllAreTaken) {
+    std::vector<std::unique_ptr<AliasEntry>> taken;
+    AList aliases;
+    for (int n = 1; n <= 999; ++n) {
+        taken.push_back(std::make_unique<AliasEntry>("TCPIPDEVICE" + std::to_string(n), std::nullopt, std::nullopt));
+        aliases.addRecord(taken.back().get());
+    }
+    aliases.markDeleted(taken[41].get());
+    AliasEntry entry(std::nullopt, std::nullopt, std::nullopt);
+    EXPECT_TRUE(findAutomaticAlias(aliases, entry));
+    EXPECT_EQ(entry.name(), "TcpipDevice42");
+    aliases.markChanged(taken[41].get());
+    EXPECT_FALSE(findAutomaticAlias(aliases, entry));
+    EXPECT_EQ(entry.name(), "TcpipDevice999");
+}
+
+TEST(KorlAddress, InstrumentAndSocketFormatsWithinTheirBuffer) {
+    EXPECT_EQ(formatKorlAddress("lan", "INSTR", "myhost", "inst0"), "lan[myhost]:inst0");
+    EXPECT_EQ(formatKorlAddress("lan", "SOCKET", "myhost", "5025"), "lan,5025[myhost]");
+    EXPECT_EQ(formatKorlAddress("", "INSTR", "myhost", "inst0"), std::nullopt);
+    EXPECT_EQ(formatKorlAddress("lan", "INSTR", std::string(300, 'h'), "inst0")->size(), 255u);
+}
+
+TEST(TakeApartResource, ByPositionSilentlyRefusingShortParts) {
+    const std::array<std::array<const char*, 4>, 10> cases = {{
+        {"TCPIP0::myhost::inst0::INSTR", "TCPIP0::", "myhost", "inst0"},
+        {"TCPIP0::10.0.0.7::::INSTR", "TCPIP0::", "10.0.0.7", ""},
+        {"TCPIP0::[fe80::1]::inst0::INSTR", "TCPIP0::", "[fe80", "1]::inst0"},  // cut by position
+        {"TCPIP0::ab::c::X", "TCPIP0::", "ab", "c"},
+        {"TCPIP::a"},                    // under 10 characters
+        {"TCPIP0abcdefgh"},              // no ':'
+        {"abc::xy::Z"},                  // under 7 once the class is cut
+        {"TCPIP0::h::"},                 // host and device under 4
+        {"TCPIP0:abc::x"},               // the same, with one ':'
+        {"TCPIP0::myhostinst0::INSTR"},  // no ':' after the host
+    }};
+    for (const auto& [resource, prefix, host, device] : cases) {
+        const auto parts = takeApartResource(resource);
+        ASSERT_EQ(parts.has_value(), prefix != nullptr) << resource;
+        if (parts) {
+            EXPECT_EQ((std::array{parts->prefix, parts->host, parts->device}),
+                      (std::array<std::string, 3>{prefix, host, device}))
+                << resource;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace braxcfg::tcpip
