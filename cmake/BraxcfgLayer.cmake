@@ -35,11 +35,15 @@ function(braxcfg_layer name)
   endif()
 endfunction()
 
-# braxcfg_test(NAME DEPS targets... [QT])
-# One GoogleTest program per folder of tests/; every .cpp in it is a part.
+# braxcfg_test(NAME DEPS targets... [QT] [EXCLUDE regex])
+# One GoogleTest program per folder of tests/; every .cpp in it is a part
+# (but those EXCLUDE matches, for a build that lacks what they test).
 function(braxcfg_test name)
-  cmake_parse_arguments(T "QT" "" "DEPS;LABELS" ${ARGN})
+  cmake_parse_arguments(T "QT" "EXCLUDE" "DEPS;LABELS" ${ARGN})
   file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(T_EXCLUDE)
+    list(FILTER srcs EXCLUDE REGEX "${T_EXCLUDE}")
+  endif()
   if(NOT srcs)
     return()
   endif()

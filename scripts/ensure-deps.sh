@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages the build, the tests and the benchmarks
 # need, when any is missing. Safe to run again: it does nothing then.
+#   ensure-deps.sh [--windows]   --windows: the Windows cross build and Wine instead
 set -euo pipefail
 
 packages=(
@@ -13,6 +14,11 @@ packages=(
   python3-pyvisa
   nlohmann-json3-dev xvfb xdotool
 )
+if [ "${1:-}" = "--windows" ]; then
+  # MinGW-w64 with POSIX threads (std::thread, std::mutex), and Wine to run
+  # what it builds.
+  packages=(g++-mingw-w64-x86-64-posix wine wine64 cmake ninja-build googletest python3)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

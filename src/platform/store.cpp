@@ -5,8 +5,12 @@
 #include <mutex>
 
 #include "platform/debug_output.h"
-#include "platform/sqlite_store_file.h"
 #include "platform/store_unopened_backend.h"
+#ifdef _WIN32
+#include "platform/win32_store_key.h"
+#else
+#include "platform/sqlite_store_file.h"
+#endif
 
 namespace braxcfg::platform {
 namespace {
@@ -89,13 +93,22 @@ RegResult failureFor(StoreOpenState state) {
     }
 }
 
+// The store itself: the registry on Windows, an SQLite file elsewhere.
+#ifdef _WIN32
+using StoreOpening = RegistryStoreOpening;
+StoreOpening openBackend(const std::string& path) { return openRegistryStore(path); }
+#else
+using StoreOpening = SqliteStoreOpening;
+StoreOpening openBackend(const std::string& path) { return openSqliteStore(path); }
+#endif
+
 // The machine-wide store decides where modules are loaded from ("BaseDir"):
 // one that anybody but root could have changed is not used at all.
-SqliteStoreOpening openChecked(const std::string& path) {
+StoreOpening openChecked(const std::string& path) {
     const bool machineWide = isMachineWideStore(path);
     std::string problem = machineWide ? machineWideStoreProblem() : std::string();
-    SqliteStoreOpening opening;
-    if (problem.empty()) opening = openSqliteStore(path);
+    StoreOpening opening;
+    if (problem.empty()) opening = openBackend(path);
     if (problem.empty() && machineWide && opening.backend) problem = machineWideStoreProblem();
     if (!problem.empty()) {
         opening.backend.reset();
@@ -105,7 +118,7 @@ SqliteStoreOpening openChecked(const std::string& path) {
 }
 
 StoreStatus openLocked(ProcessStore& store, const std::string& path) {
-    SqliteStoreOpening opening = openChecked(path);
+    StoreOpening opening = openChecked(path);
     if (opening.backend) {
         store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
     } else {

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "child_process.h"
+#include "store_files.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/lan/lan_discovery.h"

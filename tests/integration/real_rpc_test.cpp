@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "child_process.h"
+#include "store_files.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/visa_api.h"

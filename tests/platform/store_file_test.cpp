@@ -17,6 +17,7 @@
 #include "platform/sqlite_store_file.h"
 #include "platform/store.h"
 #include "store_test_access.h"
+#include "store_files.h"
 #include "temp_store.h"
 
 namespace braxcfg::platform {

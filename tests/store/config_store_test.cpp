@@ -201,8 +201,14 @@ TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
 }
 
 TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterFormAndVersionsTheVisaEncoding) {
-    setenv("TZ", "UTC", 1);  // the store's time stamps only need the form, not the zone
+    // The store's time stamps only need the form, not the zone.
+#ifdef _WIN32
+    _putenv_s("TZ", "UTC");
+    _tzset();
+#else
+    setenv("TZ", "UTC", 1);
     tzset();
+#endif
     EXPECT_EQ(ctimeText(0), "Thu Jan 01 00:00:00 1970");
     EXPECT_EQ(ctimeText(1204622127), "Tue Mar 04 09:15:27 2008");
     EXPECT_EQ(visaVersionNumber(0xFFF, 0xFFF, 0xFF), 0xFFFFFFFFu);
@@ -231,7 +237,9 @@ protected:
     }
 
     test::TempStore temp_;
-    std::string base_ = temp_.path() + "-base";
+    // Its own folder per test, as tests of one program may run at once.
+    std::string base_ = test::testOutputDir(std::string("base-") +
+                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
     ConfigStore store_;
 };
 
@@ -249,7 +257,11 @@ TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
     EXPECT_EQ(serialAutoConfigDefault(), 0);
     writeProfile(nullptr);
     EXPECT_EQ(serialAutoConfigDefault(), 0);
+#ifdef _WIN32
+    EXPECT_EQ(interfaceProfilePath(), base_ + "\\intfcfg\\intfcfg.ini");
+#else
     EXPECT_EQ(interfaceProfilePath(), base_ + "/intfcfg/intfcfg.ini");
+#endif
 }
 
 TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {

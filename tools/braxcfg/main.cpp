@@ -55,7 +55,11 @@ int main(int argc, char** argv) {
     }
     if (!storeOption.empty()) {
         // The plug-in the tool loads reads the same store.
+#ifdef _WIN32
+        _putenv_s("BRAXCFG_STORE", storeOption.c_str());
+#else
         setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
+#endif
     }
     // Without a command a person gets the configuration window, when one can be shown.
     if (args.empty() && braxcfg::tool::canShowWindows(std::getenv("QT_QPA_PLATFORM"), std::getenv("DISPLAY"),
