@@ -4,8 +4,8 @@
 #include <iostream>
 
 #include "command.h"
+#include "loaded_aliases.h"
 #include "platform/store.h"
-#include "tcpip/alist.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -14,23 +14,6 @@ namespace {
 using tcpip::AliasEntry;
 using tcpip::AList;
 
-// The aliases of the store, freed with the list.
-class LoadedAliases {
-public:
-    LoadedAliases() { list_.load(); }
-    ~LoadedAliases() { list_.deleteRecords(); }
-    LoadedAliases(const LoadedAliases&) = delete;
-    LoadedAliases& operator=(const LoadedAliases&) = delete;
-
-    AList& list() { return list_; }
-    AliasEntry* named(const std::string& name) {
-        const AliasEntry probe(name, std::nullopt, std::nullopt);
-        return list_.findDuplicate(&probe);
-    }
-
-private:
-    AList list_;
-};
 
 int listAliases() {
     LoadedAliases aliases;
