@@ -91,11 +91,11 @@ RegResult failureFor(StoreOpenState state) {
 
 // The machine-wide store decides where modules are loaded from ("BaseDir"):
 // one that anybody but root could have changed is not used at all.
-SqliteStoreOpening openChecked(const std::string& path) {
+SqliteStoreOpening openChecked(const std::string& path, StoreAccess access) {
     const bool machineWide = isMachineWideStore(path);
     std::string problem = machineWide ? machineWideStoreProblem() : std::string();
     SqliteStoreOpening opening;
-    if (problem.empty()) opening = openSqliteStore(path);
+    if (problem.empty()) opening = openSqliteStore(path, access);
     if (problem.empty() && machineWide && opening.backend) problem = machineWideStoreProblem();
     if (!problem.empty()) {
         opening.backend.reset();
@@ -104,8 +104,8 @@ SqliteStoreOpening openChecked(const std::string& path) {
     return opening;
 }
 
-StoreStatus openLocked(ProcessStore& store, const std::string& path) {
-    SqliteStoreOpening opening = openChecked(path);
+StoreStatus openLocked(ProcessStore& store, const std::string& path, StoreAccess access = StoreAccess::Change) {
+    SqliteStoreOpening opening = openChecked(path, access);
     if (opening.backend) {
         store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
     } else {
@@ -127,10 +127,10 @@ ProcessStore& openedProcessStore() {
 
 }  // namespace
 
-StoreStatus openStore(const std::string& path) {
+StoreStatus openStore(const std::string& path, StoreAccess access) {
     ProcessStore& store = processStore();
     std::lock_guard lock(store.mutex);
-    return openLocked(store, path);
+    return openLocked(store, path, access);
 }
 
 void closeStore() {

@@ -5,7 +5,6 @@
 
 #include "command.h"
 #include "loaded_aliases.h"
-#include "platform/store.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -69,9 +68,9 @@ int runAliases(const Args& args) {
     std::string error;
     if (!splitArgs(args, {}, {"--resource", "--korl-address"}, split, error)) return fail(error);
     const auto& words = split.operands;
+    // Listing leaves no trace in the store; a change may make the store.
+    if (const int rc = prepareStore(words.empty() ? StoreUse::ReadOnly : StoreUse::Write); rc != 0) return rc;
     if (words.empty()) return split.options.empty() ? listAliases() : fail("options belong to 'aliases set'");
-    if (!platform::currentStoreStatus().writable)
-        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
     if (words[0] == "set" && words.size() == 2 && !words[1].empty()) return setAlias(words[1], split);
     if (words[0] == "remove" && words.size() == 2 && split.options.empty()) return removeAlias(words[1]);
     return fail("usage: braxcfg aliases [set NAME --resource R [--korl-address A] | remove NAME]");
@@ -87,7 +86,7 @@ const CommandRegistration kAliases(
      "changes an alias (names ignore case); without --korl-address an existing\n"
      "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
      "alias from both lists.\n",
-     StoreUse::Read, runAliases});
+     StoreUse::None, runAliases});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -111,7 +111,7 @@ const CommandRegistration kInterfaces({"interfaces", "list the store's interface
                                        "usage: braxcfg interfaces [--json]\n"
                                        "One line per INTF<n> key, by number: key, VISA name,\n"
                                        "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n",
-                                       StoreUse::Read, runInterfaces});
+                                       StoreUse::ReadOnly, runInterfaces});
 const CommandRegistration kValid({"valid", "is the interface a valid VISA interface (plug-in export)",
                                   "usage: braxcfg valid INTF\nPrints 1 or 0, as isValidVisaIntf answers.\n",
                                   StoreUse::Read, [](const Args& a) { return runPredicate(a, "isValidVisaIntf", true); }});

@@ -41,7 +41,7 @@ const CommandRegistration kResolve({"resolve", "the resource string for an alias
                                     "list; names ignore case), else the canonical form of NAME as a resource\n"
                                     "string (gpib0::7 gives GPIB0::7::INSTR).\n"
                                     "Exit status 0 when NAME resolved, 1 when it is neither, 2 on an error.\n",
-                                    StoreUse::Read, runResolve});
+                                    StoreUse::ReadOnly, runResolve});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -75,7 +75,7 @@ const CommandRegistration kRsrc({"rsrc", "parse resource strings: record dump or
                                  "when none), TAB, the parse status in hexadecimal (0xBFFF0012).\n"
                                  "After \"--\" every argument is a resource string, even one starting with \"-\".\n"
                                  "Exit status 0 when every STRING parsed without error, 1 otherwise.\n",
-                                 StoreUse::Read, runRsrc});
+                                 StoreUse::ReadOnly, runRsrc});
 
 }  // namespace
 }  // namespace braxcfg::tool
