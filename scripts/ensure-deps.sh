@@ -12,6 +12,7 @@ packages=(
   libtirpc-dev rpcbind rpcsvc-proto iproute2 util-linux
   python3-pyvisa
   nlohmann-json3-dev xvfb xdotool
+  dpkg-dev file
 )
 
 missing=()
