@@ -28,13 +28,10 @@ void CBraxcfgApp::DoVisaStartStuff(const std::string&) {}
 // Set-up shows nothing, so the host's window is not needed.
 void CBraxcfgApp::SetupVisaIntf(HostWindow, const std::string& intf) { store::setupVisaIntf(*this, intf); }
 
-void CBraxcfgApp::ConfigureAtRunTime(HostWindow, const std::string& intf) {
-    store::configureAtRunTime(*this, intf);
+void CBraxcfgApp::EditVisaIntf(HostWindow parent, const std::string& intf) {
+    WriteVisaInfoDefaults();
+    if (IsVisaIntfEditable(intf)) ShowDeviceList(parent, intf, 1, 1);
 }
-
-// The device list dialogs arrive with their own work; until then editing
-// only brings the VISA information block up to date.
-void CBraxcfgApp::EditVisaIntf(HostWindow, const std::string&) { WriteVisaInfoDefaults(); }
 
 void CBraxcfgApp::DoVisaEndStuff(HostWindow) { store::doVisaEndStuff(*this); }
 

@@ -63,7 +63,7 @@ int ConfigStore::IsVisaIntfSetup(const std::string& intf) const {
 platform::StoreFailure ConfigStore::SetupIntfEntries(const std::string& intf, int autoConfig) const {
     return rewriteList([&] {
         Registry key(intf, kRegOpenExisting);
-        if (key.valueExists("VISAAutoConfigDriver")) return;
+        if (!key.isOpen() || key.valueExists("VISAAutoConfigDriver")) return;
         key.setString("VISAAutoConfigDriver", "AUTOCF");
         key.setBool("VISAAutoConfig", autoConfig != 0);
         Registry devices(key.handle(), "VISADev", kRegOpenOrCreate);

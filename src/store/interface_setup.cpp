@@ -55,9 +55,11 @@ platform::StoreFailure configureAtRunTime(const ConfigStore& store, const std::s
 
 platform::StoreFailure setupVisaIntf(const ConfigStore& store, const std::string& intf) {
     if (const auto failure = store.WriteVisaInfoDefaults(); failure != platform::StoreFailure::None) return failure;
-    // An interface without a VISA name is no interface to set up, whatever
-    // type it claims; one already set up keeps its choice.
-    if (!store.IsValidVisaIntf(intf) || store.IsVisaIntfSetup(intf)) return platform::StoreFailure::None;
+    // One already set up keeps its choice. Validity is not asked: a key with
+    // a known type but no VISA name is set up as its type says (its interface
+    // resources then start with "::"); SetupIntfEntries itself refuses a
+    // second set-up of such a key, since the validity test hides it here.
+    if (store.IsVisaIntfSetup(intf)) return platform::StoreFailure::None;
     const int serialDefault = serialAutoConfigDefault();
     switch (store.GetIntfType(intf)) {
         case visa::VI_INTF_GPIB:

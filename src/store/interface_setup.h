@@ -20,9 +20,10 @@ int serialAutoConfigDefault();
 // Sets the interface up so that its devices are identified at run time.
 platform::StoreFailure configureAtRunTime(const ConfigStore& store, const std::string& intf);
 
-// First set-up of a new valid interface, once only: serial interfaces take
-// the profile's default, TCPIP keeps its devices in the store, every other
-// known type is identified at run time, unknown types are left alone.
+// First set-up of a new interface, once only: serial interfaces take the
+// profile's default, TCPIP keeps its devices in the store, every other known
+// type is identified at run time, unknown types are left alone. A known type
+// without a VISA name is set up too; a missing key is left alone.
 // Returns why nothing was written when the store refused the change.
 platform::StoreFailure setupVisaIntf(const ConfigStore& store, const std::string& intf);
 

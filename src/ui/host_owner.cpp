@@ -53,8 +53,16 @@ bool ensureApplication() {
 
 HostOwner::HostOwner(void* nativeHandle) {
     if (nativeHandle == nullptr || qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) return;
-    foreign_.reset(QWindow::fromWinId(reinterpret_cast<WId>(nativeHandle)));
-    hostWindow_ = foreign_.get();
+    const auto id = reinterpret_cast<WId>(nativeHandle);
+    // A host built on the same Qt hands over one of this process's own
+    // windows: that window is the owner as it is, on every platform, even
+    // where foreign windows cannot be wrapped.
+    for (QWindow* window : QGuiApplication::allWindows())
+        if (window->handle() != nullptr && window->winId() == id) hostWindow_ = window;
+    if (hostWindow_ == nullptr) {
+        foreign_.reset(QWindow::fromWinId(id));
+        hostWindow_ = foreign_.get();
+    }
     makeStandIn();
 }
 

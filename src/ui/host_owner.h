@@ -28,8 +28,9 @@ bool ensureApplication();
 // longer than every dialog parented to it.
 class HostOwner {
 public:
-    // `nativeHandle` null: no owner, widget() is null. A platform that
-    // cannot wrap foreign windows also gives no owner.
+    // `nativeHandle` null: no owner, widget() is null. The handle of a
+    // window of this process is that window; another is wrapped as a
+    // foreign window, and a platform that cannot wrap those gives no owner.
     explicit HostOwner(void* nativeHandle);
     // A window of this process stands for the host (the tool, tests).
     explicit HostOwner(QWindow* window);

@@ -18,15 +18,12 @@ using Names = std::vector<std::string>;
 constexpr visa::ViStatus kTimeout = visa::VI_ERROR_TMO;
 
 std::string storedDevices() {
-    Names names;
-    for (std::uint32_t n = 0;; ++n) {
-        std::string name = store::ConfigStore().GetDeviceName("INTF0", n);
-        if (name.empty()) break;
-        names.push_back(name);
-    }
     std::string text;
-    for (const auto& name : names) text += name + ";";
-    return text;
+    for (std::uint32_t n = 0;; ++n) {
+        const std::string name = store::ConfigStore().GetDeviceName("INTF0", n);
+        if (name.empty()) return text;
+        text += name + ";";
+    }
 }
 
 struct SearchCase {

@@ -2,22 +2,18 @@
 // the private network namespace: a veth pair gives the broadcast and
 // multicast a real interface, and nothing leaves the namespace.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "child_process.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "visacore/lan/lan_discovery.h"
 #include "visacore/lan/local_interfaces.h"
 #include "visacore/lan/sim/simulator.h"
-
-extern char** environ;
 
 namespace braxcfg::visa::lan {
 namespace {
@@ -129,29 +125,14 @@ TEST_F(LanDiscovery, BroadcastAnsweredFromEachAddress) {
     EXPECT_EQ(found[1].resources, std::vector<std::string>{"TCPIP0::10.77.0.11::inst0::INSTR"});
 }
 
-TEST_F(LanDiscovery, CancelledBeforeAnyAnswer) {
+TEST_F(LanDiscovery, SilentOrCancelledGivesNothing) {
+    EXPECT_TRUE(discover().empty()) << "silent network, at the deadline";
     serve(true);
     CancelToken cancel;
     cancel.cancel();
     DiscoveryOptions options;
     options.cancel = &cancel;
-    EXPECT_TRUE(discover(options).empty());
-}
-
-TEST_F(LanDiscovery, SilentNetworkGivesNothingAtTheDeadline) {
-    EXPECT_TRUE(discover().empty());
-}
-
-TEST_F(LanDiscovery, ToolDiscoverJson) {
-    serve(true);
-    const test::ToolRun run = test::runTool({"discover", "--json", "--timeout", "1"});
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    const auto list = nlohmann::json::parse(run.out);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0]["address"], "10.77.0.10");
-    EXPECT_EQ(list[0]["methods"], nlohmann::json({"vxi11-broadcast", "mdns"}));
-    EXPECT_EQ(list[0]["identification"], "Tolvane,Scope 4,4004,5.5");
-    EXPECT_EQ(list[1]["resources"], nlohmann::json({"TCPIP0::10.77.0.11::5025::SOCKET"}));
+    EXPECT_TRUE(discover(options).empty()) << "cancelled before any answer";
 }
 
 TEST_F(LanDiscovery, ToolIdentifyOutcomes) {
@@ -185,20 +166,11 @@ TEST_F(LanDiscovery, ToolIdentifyOutcomes) {
 TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
     const std::string lab = test::testOutputDir("integration") + "/lab-" + std::to_string(getpid()) + ".ini";
     std::ofstream(lab) << kLab;
-    int out[2];
-    ASSERT_EQ(pipe(out), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    const char* argv[] = {BRAXCFG_TOOL_PATH, "simulate", lab.c_str(), "--mdns", nullptr};
-    pid_t pid = -1;
-    ASSERT_EQ(posix_spawn(&pid, argv[0], &actions, nullptr, const_cast<char**>(argv), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]);
+    test::Child simulate({BRAXCFG_TOOL_PATH, "simulate", lab, "--mdns"});
     // It says "serving" once every socket is bound.
     std::string said;
-    for (char c; said.find("serving") == std::string::npos && read(out[0], &c, 1) == 1;) said += c;
-    close(out[0]);
+    for (std::string line; said.find("serving") == std::string::npos && !(line = simulate.output(5s, true)).empty();)
+        said += line;
     EXPECT_NE(said.find("VXI-11  10.77.0.10 core port"), std::string::npos) << said;
 
     const test::ToolRun run = test::runTool({"discover", "--timeout", "1"});
@@ -207,18 +179,16 @@ TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
                            "  identification: Tolvane,Scope 4,4004,5.5\n"),
               std::string::npos)
         << run.out;
-    kill(pid, SIGTERM);
-    int status = 0;
-    ASSERT_EQ(waitpid(pid, &status, 0), pid);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(simulate.stop(), 0);
     std::remove(lab.c_str());
 }
 
-TEST_F(LanDiscovery, ToolAddsWhatItFoundToATcpipInterface) {
+TEST_F(LanDiscovery, ToolDiscoverJsonAddsWhatItFoundToATcpipInterface) {
     serve(true);
-    const std::string store = test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) + ".db";
+    const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) +
+                                        ".db");
     const auto tool = [&](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--store", store});
+        args.insert(args.begin(), {"--store", store.path()});
         return test::runTool(args);
     };
     ASSERT_EQ(tool({"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
@@ -230,13 +200,18 @@ TEST_F(LanDiscovery, ToolAddsWhatItFoundToATcpipInterface) {
     EXPECT_EQ(added.err, "added TCPIP0::10.77.0.10::inst0::INSTR to INTF5\n"
                          "added TCPIP0::10.77.0.10::hislip0::INSTR to INTF5\n"
                          "added TCPIP0::10.77.0.11::5025::SOCKET to INTF5\n");
-    EXPECT_NO_THROW(nlohmann::json::parse(added.out)) << "the report stays off the JSON";
+    // The report stays off the JSON.
+    const auto list = nlohmann::json::parse(added.out);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0]["address"], "10.77.0.10");
+    EXPECT_EQ(list[0]["methods"], nlohmann::json({"vxi11-broadcast", "mdns"}));
+    EXPECT_EQ(list[0]["identification"], "Tolvane,Scope 4,4004,5.5");
+    EXPECT_EQ(list[1]["resources"], nlohmann::json({"TCPIP0::10.77.0.11::5025::SOCKET"}));
     const std::string listed = tool({"devices", "INTF5"}).out;
     for (const char* entry : {"TCPIP0::10.77.0.10::inst0\n  TCPIP0::10.77.0.10::inst0::INSTR\n",
                               "TCPIP0::10.77.0.10::hislip0\n  TCPIP0::10.77.0.10::hislip0::INSTR\n",
                               "TCPIP0::10.77.0.11::5025\n  TCPIP0::10.77.0.11::5025::SOCKET\n"})
         EXPECT_NE(listed.find(entry), std::string::npos) << entry << " in\n" << listed;
-    for (const char* suffix : {"", "-wal", "-shm"}) std::remove((store + suffix).c_str());
 }
 
 TEST(LanSimulateTool, MalformedLabNamesFileAndLine) {

@@ -70,12 +70,15 @@ TEST_F(AutoconfigTool, DryRunWritesNothingThenTheSearchWritesTheNewDevices) {
     EXPECT_NE(output.find("New devices:\n  none\n"), std::string::npos) << output;
 }
 
-TEST_F(AutoconfigTool, JsonIsUtf8AndErrorsExitTwo) {
+TEST_F(AutoconfigTool, JsonIsUtf8AndRefusalsSayWhy) {
     std::string output;
     ASSERT_EQ(run({"autoconfig", "INTF3", "--json", "--dry-run"}, &output), 0) << output;
     EXPECT_EQ(nlohmann::json::parse(output)["visaName"], "GPIB\xc3\xa9");
-    EXPECT_EQ(run({"autoconfig", "INTF7"}, &output), 2);
-    EXPECT_NE(output.find("INTF7 is not a valid VISA interface"), std::string::npos) << output;
+    EXPECT_EQ(run({"autoconfig", "INTF7"}, &output), 1);
+    EXPECT_NE(output.find("there is no interface INTF7"), std::string::npos) << output;
+    // Not set up: what the search found would have nowhere to go.
+    EXPECT_EQ(run({"autoconfig", "INTF3"}, &output), 2);
+    EXPECT_NE(output.find("INTF3 has no device list yet; set it up first"), std::string::npos) << output;
     setenv("BRAXCFG_LAB", "/nonexistent.ini", 1);
     EXPECT_EQ(run({"autoconfig", "INTF0"}, &output), 2);
     EXPECT_NE(output.find("braxcfg: VISA Error (0xbfff003a) occurred. "), std::string::npos) << output;

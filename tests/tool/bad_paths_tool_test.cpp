@@ -40,7 +40,7 @@ TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
         {"import of a folder", {"--store", store, "import", dir + "/folder"}, {}, 2, "it is a directory"},
         {"import of a device", {"--store", store, "import", "/dev/zero"}, {}, 2, "it is a device, not a file"},
         {"import over 1 GiB", {"--store", store, "import", dir + "/big.reg"}, {}, 2, "larger than 1 GiB"},
-        {"relative BRAXCFG_PLUGIN", {"--store", store, "valid", "INTF0"}, {{"BRAXCFG_PLUGIN", "lib/libbraxcfg.so"}},
+        {"relative BRAXCFG_PLUGIN", {"--store", store, "valid", "INTF2147483647"}, {{"BRAXCFG_PLUGIN", "lib/libbraxcfg.so"}},
          2, "BRAXCFG_PLUGIN must be an absolute path"},
         {"interface INTF2147483647", {"--store", store, "interfaces"}, {}, 0, "INTF2147483647 GPIB7"},
         {"resource on INTF2147483647", {"--store", store, "rsrc", "canon", "GPIB7::5"}, {}, 0, "GPIB7::5::INSTR"},

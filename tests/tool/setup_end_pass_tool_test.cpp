@@ -1,6 +1,7 @@
 // braxcfg setup / end-pass through the loaded plug-in, from a fixture store
 // with every interface type to the exported result.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -113,5 +114,100 @@ TEST_F(SetupEndPassTool, DevicesAndAliasesEditTheStore) {
         << output;
     EXPECT_EQ(output.find("Dmm"), std::string::npos) << output;
 }
+
+namespace interface_commands {
+
+// Holds the store's write lock, as another process in the middle of a
+// write would, until it goes out of scope.
+class StoreWriteLock {
+public:
+    explicit StoreWriteLock(const std::string& path) {
+        sqlite3_open(path.c_str(), &db_);
+        sqlite3_exec(db_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    }
+    ~StoreWriteLock() {
+        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_close(db_);
+    }
+    StoreWriteLock(const StoreWriteLock&) = delete;
+    StoreWriteLock& operator=(const StoreWriteLock&) = delete;
+
+private:
+    sqlite3* db_ = nullptr;
+};
+
+// Rows run in order on one store, each seeing what the rows above left.
+// Without a display, so that no command can open a dialog.
+TEST_F(SetupEndPassTool, InterfaceKeysAreAddedRemovedAndCheckedByEveryCommand) {
+    const struct {
+        std::vector<std::string> args;
+        int exitCode;
+        const char* output;  // stdout and stderr
+        bool locked = false;
+    } rows[] = {
+        {{"setup", "INTF99"}, 1, "braxcfg: there is no interface INTF99 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"valid", "INTF99"}, 1, "braxcfg: there is no interface INTF99 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"start", "intf0"}, 1, "braxcfg: there is no interface intf0 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"edit", "INTF99"}, 1, "braxcfg: there is no interface INTF99 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"configure", "INTF0"}, 1, "braxcfg: there is no interface INTF0 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"devices", "INTF7"}, 1, "braxcfg: there is no interface INTF7 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"interfaces", "remove", "INTF0"}, 1,
+         "braxcfg: there is no interface INTF0 in @STORE@ (braxcfg interfaces lists them)\n"},
+        {{"interfaces", "remove", "VISAInfo"}, 2, "braxcfg: 'VISAInfo' is not an interface key name (INTF0, INTF1, ...)\n"},
+        {{"setup", "INTF0\\VISADev"}, 2,
+         "braxcfg: 'INTF0\\VISADev' is not an interface key name (INTF0, INTF1, ...)\n"},
+        {{"interfaces", "add", "GPIB"}, 0, "INTF0\n"},
+        {{"interfaces", "add", "gpib", "--board", "3"}, 0, "INTF1\n"},
+        {{"interfaces", "add", "GPIB", "--board", "3"}, 2, "braxcfg: another interface is already called GPIB3; nothing was added\n"},
+        {{"interfaces", "add", "Gpib"}, 0, "INTF2\n"},  // GPIB1, the lowest free board
+        {{"interfaces", "add", "GPIB", "--socket"}, 2, "braxcfg: only TCPIP interfaces have SOCKET resources\n"},
+        {{"interfaces", "add", "TCPIP", "--socket"}, 0, "INTF3\n"},
+        {{"interfaces", "add", "ASRL"}, 0, "INTF4\n"},  // serial ports count from 1
+        {{"interfaces", "add", "LAN"}, 2,
+         "braxcfg: unknown interface type 'LAN' (GPIB, VXI, GPIB-VXI, ASRL, PXI, TCPIP, USB or RSIB)\n"},
+        {{"interfaces", "add", "VXI", "--board", "65536"}, 2, "braxcfg: the board number must be from 0 to 65535\n"},
+        {{"interfaces", "add", "VXI", "--board", "2x"}, 2, "braxcfg: --board takes a number from 0 to 65535, not '2x'\n"},
+        {{"interfaces", "add"}, 2, "braxcfg: usage: braxcfg interfaces add TYPE [--board N] [--socket]\n"},
+        {{"interfaces", "remove", "INTF1"}, 0, ""},
+        {{"interfaces", "add", "VXI"}, 0, "INTF1\n"},  // the lowest free key
+        {{"interfaces", "add", "USB"}, 2, "braxcfg: the store @STORE@ is busy (another program is changing it), try again; nothing was changed\n", true},
+        {{"interfaces", "remove", "INTF0"}, 2, "braxcfg: the store @STORE@ is busy (another program is changing it), try again; nothing was changed\n",
+         true},
+        {{"configure", "INTF3"}, 1,
+         "braxcfg: INTF3 is not a GPIB, VXI or GPIB-VXI interface; 'braxcfg edit INTF3' edits its devices\n"},
+        {{"edit", "INTF4"}, 1,
+         "braxcfg: INTF4 has no device list to edit (editable are valid GPIB, VXI, GPIB-VXI and TCPIP interfaces, "
+         "while the product's VISA is present)\n"},
+        {{"edit", "INTF0"}, 2, "braxcfg: edit opens a dialog: no display (set DISPLAY)\n"},
+        {{"interfaces"}, 0,
+         "KEY      VISANAME     TYPE      SETUP      AUTOCONFIG DEVICES\n"
+         "INTF0    GPIB0        GPIB      set-up     1          0\n"
+         "INTF1    VXI0         VXI       set-up     1          0\n"
+         "INTF2    GPIB1        GPIB      set-up     1          0\n"
+         "INTF3    TCPIP0       TCPIP     set-up     0          0\n"
+         "INTF4    ASRL1        ASRL      set-up     0          0\n"},
+    };
+    const std::string store = dir_ + "/store.db";
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) unsetenv(name);
+    for (const auto& row : rows) {
+        std::string joined;
+        for (const std::string& arg : row.args) joined += arg + " ";
+        SCOPED_TRACE(joined);
+        std::string output;
+        int exitCode = 0;
+        if (row.locked) {
+            const StoreWriteLock lock(store);
+            exitCode = run(row.args, &output);
+        } else {
+            exitCode = run(row.args, &output);
+        }
+        std::string expected = row.output;
+        replaceAll(expected, "@STORE@", store);
+        EXPECT_EQ(exitCode, row.exitCode);
+        EXPECT_EQ(output, expected);
+    }
+}
+
+}  // namespace interface_commands
 
 }  // namespace

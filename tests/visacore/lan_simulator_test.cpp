@@ -1,4 +1,4 @@
-// Identify against the simulator on loopback, one table per protocol, and
+// Identify against the simulator on loopback, one table for every protocol, and
 // the simulator's refusals. Ports are free ones picked by the test; the
 // portmapper takes a free port too (the probe is told which).
 #include <gtest/gtest.h>
@@ -12,91 +12,58 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Case {
-    std::string resource;
-    std::string command;
-    ViStatus status;
-    std::string answer;
-};
+TEST(SimulatedLab, IdentifiesOverEachProtocolUntilStopped) {
+    const std::uint16_t hislipPort = test::closedPort(), socketPort = test::closedPort();
+    Lab lab = parseLab("[TCPIP0::127.0.0.1::inst0::INSTR]\n"
+                       "Identification = Tolvane,Scope 4,4004,5.5\n"
+                       "Protocols = VXI-11 HiSLIP\n"
+                       "DeviceNames = inst0 gpib0,7\n"
+                       "HislipPort = " + std::to_string(hislipPort) + "\n"
+                       "Reply.*OPC? = 1\n"
+                       "Reply.*RST =\n"
+                       "[TCPIP0::127.0.0.1::" + std::to_string(socketPort) + "::SOCKET]\n"
+                       "Identification = Tolvane,Source 9,909,2.0\n"
+                       "Reply.MEAS:VOLT? = 1.25\n",
+                       "test.ini");
+    ASSERT_EQ(lab.error, "");
+    Simulator simulator;
+    std::string error;
+    SimulatorOptions simulatorOptions;
+    simulatorOptions.portmapperPort = 0;
+    ASSERT_TRUE(simulator.start(std::move(lab), simulatorOptions, error)) << error;
+    ASSERT_EQ(simulator.sites().size(), 1u);
 
-class SimulatedLab : public ::testing::Test {
-protected:
-    void SetUp() override {
-        hislipPort_ = test::closedPort();
-        socketPort_ = test::closedPort();
-        const std::string text = "[TCPIP0::127.0.0.1::inst0::INSTR]\n"
-                                 "Identification = Tolvane,Scope 4,4004,5.5\n"
-                                 "Protocols = VXI-11 HiSLIP\n"
-                                 "DeviceNames = inst0 gpib0,7\n"
-                                 "HislipPort = " + std::to_string(hislipPort_) + "\n"
-                                 "Reply.*OPC? = 1\n"
-                                 "Reply.*RST =\n"
-                                 "[TCPIP0::127.0.0.1::" + std::to_string(socketPort_) + "::SOCKET]\n"
-                                 "Identification = Tolvane,Source 9,909,2.0\n"
-                                 "Reply.MEAS:VOLT? = 1.25\n";
-        Lab lab = parseLab(text, "test.ini");
-        ASSERT_EQ(lab.error, "");
-        std::string error;
-        SimulatorOptions options;
-        options.portmapperPort = 0;
-        ASSERT_TRUE(simulator_.start(std::move(lab), options, error)) << error;
-        ASSERT_EQ(simulator_.sites().size(), 1u);
-    }
-
-    void check(const std::vector<Case>& cases) {
-        LanProbeOptions options;
-        options.budget = 2000ms;
-        options.portmapperPort = simulator_.sites()[0].portmapperPort;
-        for (const Case& c : cases) {
-            SCOPED_TRACE(c.resource + " " + c.command);
-            std::string answer = "stale";
-            EXPECT_EQ(queryLanResource(c.resource, c.command, options, answer), c.status);
-            EXPECT_EQ(answer, c.answer);
-        }
-    }
-    std::string at(const std::string& rest) const { return "TCPIP0::127.0.0.1::" + rest; }
-
-    std::uint16_t hislipPort_ = 0, socketPort_ = 0;
-    Simulator simulator_;
-};
-
-TEST_F(SimulatedLab, Vxi11) {
-    check({
+    const auto at = [](const std::string& rest) { return "TCPIP0::127.0.0.1::" + rest; };
+    const std::string hislip = "hislip0," + std::to_string(hislipPort) + "::INSTR";
+    const std::string socket = std::to_string(socketPort) + "::SOCKET";
+    const std::string closed = std::to_string(test::closedPort());
+    const struct { std::string resource, command; ViStatus status; std::string answer; } cases[] = {
         {at("inst0::INSTR"), "*IDN?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
         {"TCPIP::127.0.0.1", "*idn?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
         {at("GPIB0,7::INSTR"), "*OPC?", VI_SUCCESS, "1"},
         {at("inst3::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
         // A query the instrument has no answer for: it never answers.
         {at("inst0::INSTR"), "SYST:ERR?", VI_ERROR_TMO, ""},
-    });
-}
-
-TEST_F(SimulatedLab, Hislip) {
-    const std::string port = std::to_string(hislipPort_);
-    check({
-        {at("hislip0," + port + "::INSTR"), "*IDN?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
-        {at("hislip0," + port + "::INSTR"), "*OPC?", VI_SUCCESS, "1"},
-        {at("hislip4," + port + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
-        {at("hislip0," + std::to_string(test::closedPort()) + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
-    });
-}
-
-TEST_F(SimulatedLab, Socket) {
-    const std::string port = std::to_string(socketPort_);
-    check({
-        {at(port + "::SOCKET"), "*IDN?", VI_SUCCESS, "Tolvane,Source 9,909,2.0"},
-        {at(port + "::SOCKET"), "MEAS:VOLT?\n", VI_SUCCESS, "1.25"},
-        {at(std::to_string(test::closedPort()) + "::SOCKET"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
-    });
-}
-
-TEST_F(SimulatedLab, PortmapperAnswersOnlyForTheCoreProgram) {
-    // The probe sees the same instrument the query does.
+        {at(hislip), "*IDN?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
+        {at(hislip), "*OPC?", VI_SUCCESS, "1"},
+        {at("hislip4," + std::to_string(hislipPort) + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
+        {at("hislip0," + closed + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
+        {at(socket), "*IDN?", VI_SUCCESS, "Tolvane,Source 9,909,2.0"},
+        {at(socket), "MEAS:VOLT?\n", VI_SUCCESS, "1.25"},
+        {at(closed + "::SOCKET"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
+    };
     LanProbeOptions options;
-    options.portmapperPort = simulator_.sites()[0].portmapperPort;
+    options.budget = 2000ms;
+    options.portmapperPort = simulator.sites()[0].portmapperPort;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.resource + " " + c.command);
+        std::string answer = "stale";
+        EXPECT_EQ(queryLanResource(c.resource, c.command, options, answer), c.status);
+        EXPECT_EQ(answer, c.answer);
+    }
+    // The probe sees the same instrument the query does, until the simulator stops.
     EXPECT_EQ(probeLanResource(at("inst0::INSTR"), options), VI_SUCCESS);
-    EXPECT_EQ(probeLanResource(at("inst1::INSTR"), options), VI_ERROR_RSRC_NFOUND);
-    simulator_.stop();
+    simulator.stop();
     EXPECT_EQ(probeLanResource(at("inst0::INSTR"), options), VI_ERROR_RSRC_NFOUND) << "stopped: refused";
 }
 

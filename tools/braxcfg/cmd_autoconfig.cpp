@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "dialogs/done_auto_config_logic.h"
 #include "platform/cp1252.h"
 #include "platform/store.h"
@@ -61,10 +62,14 @@ int runAutoconfig(const Args& args) {
     if (split.operands.size() != 1) return fail("autoconfig needs one interface key name, such as INTF0");
     const std::string& intf = split.operands[0];
     const bool dryRun = hasOption(split, "--dry-run");
+    if (const auto refused = refuseInterfaceKey(intf)) return *refused;
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
     if (!dryRun && !platform::currentStoreStatus().writable)
         return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
+    // Found devices are written at once; without a device list they would be lost.
+    if (!dryRun)
+        if (const auto refused = refuseWithoutDeviceList(intf)) return *refused;
     addPluginFolderToModulePath();
 
     const std::string visaName = store.GetVisaName(intf);

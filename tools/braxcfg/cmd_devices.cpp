@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
@@ -78,6 +79,7 @@ int runDevices(const Args& args) {
     // Listing leaves no trace in the store; an action changes it.
     if (const int rc = prepareStore(words.size() > 1 ? StoreUse::Write : StoreUse::ReadOnly); rc != 0) return rc;
     const std::string& intf = words[0];
+    if (const auto refused = refuseInterfaceKey(intf)) return *refused;
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(forStderr(intf) + " is not a valid VISA interface (no \"VISAName\")");
     const bool hasDeviceList = platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen();

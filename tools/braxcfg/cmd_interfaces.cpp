@@ -1,11 +1,14 @@
 // interfaces: overview of the store's INTF<n> keys.
 // valid | is-setup | editable | start INTF: the plug-in's answers, through
 // its exports, exactly as a host gets them.
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <sstream>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "plugin.h"
@@ -16,35 +19,6 @@
 namespace braxcfg::tool {
 namespace {
 
-struct InterfaceRow {
-    std::string key;
-    std::string visaName;
-    std::string typeWord;
-    bool setUp = false;
-    bool hasAutoConfig = false;
-    int autoConfig = 0;
-    std::uint32_t devices = 0;
-};
-
-std::vector<InterfaceRow> readInterfaces() {
-    const store::ConfigStore store;
-    std::vector<InterfaceRow> rows;
-    for (const int n : *visa::existingIntfNumbers()) {
-        InterfaceRow row;
-        row.key = "INTF" + std::to_string(n);
-        const platform::Registry key(row.key, platform::kRegOpenExisting);
-        if (!key.isOpen()) continue;
-        row.visaName = key.getString("VISAName");
-        row.typeWord = key.getString("VISAIntfType");
-        row.setUp = store.IsVisaIntfSetup(row.key) != 0;
-        row.hasAutoConfig = key.valueExists("VISAAutoConfig");
-        row.autoConfig = key.getBool("VISAAutoConfig");
-        while (!store.GetDeviceName(row.key, row.devices).empty()) ++row.devices;
-        rows.push_back(row);
-    }
-    return rows;
-}
-
 void printJson(const std::vector<InterfaceRow>& rows) {
     std::cout << "[";
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -52,7 +26,7 @@ void printJson(const std::vector<InterfaceRow>& rows) {
         std::cout << (i ? ",\n " : "\n ") << "{\"key\": " << jsonString(row.key)
                   << ", \"visaName\": " << jsonString(row.visaName) << ", \"type\": " << jsonString(row.typeWord)
                   << ", \"setUp\": " << (row.setUp ? "true" : "false") << ", \"autoConfig\": "
-                  << (row.hasAutoConfig ? std::to_string(row.autoConfig) : "null") << ", \"devices\": " << row.devices
+                  << (row.hasAutoConfig ? std::to_string(row.autoConfig) : "null") << ", \"devices\": " << row.devices.size()
                   << "}";
     }
     std::cout << (rows.empty() ? "]\n" : "\n]\n");
@@ -69,14 +43,57 @@ void printTable(const std::vector<InterfaceRow>& rows) {
         std::cout << padded(forStdout(row.key), 8) << " " << padded(forStdout(row.visaName), 12) << " "
                   << padded(forStdout(row.typeWord), 9) << " " << padded(row.setUp ? "set-up" : "not-set-up", 10)
                   << " " << padded(row.hasAutoConfig ? std::to_string(row.autoConfig) : "-", 10) << " "
-                  << row.devices << "\n";
+                  << row.devices.size() << "\n";
     }
     std::cout.flush();
+}
+
+int runAdd(const SplitArgs& split) {
+    if (split.operands.size() != 2) return fail("usage: braxcfg interfaces add TYPE [--board N] [--socket]");
+    NewInterface request;
+    request.type = split.operands[1];
+    request.socket = hasOption(split, "--socket");
+    if (const std::string board = optionValue(split, "--board"); !board.empty()) {
+        char* end = nullptr;
+        const long number = std::strtol(board.c_str(), &end, 10);
+        if (*end != '\0' || board[0] == '-' || board[0] == '+' || number > INT32_MAX)
+            return fail("--board takes a number from 0 to 65535, not '" + board + "'");
+        request.board = static_cast<int>(number);
+    }
+    const AddedInterface added = addInterface(request);
+    if (!added.error.empty()) return fail(added.error);
+    Plugin plugin;
+    auto* setup = plugin.get<void(HWND, const char*)>("setupVisaIntf");
+    if (setup == nullptr) return fail("added " + added.key + " but cannot set it up: " + plugin.error());
+    setup(nullptr, added.key.c_str());
+    std::cout << added.key << "\n";
+    return 0;
+}
+
+// interfaces add | remove: the store must be writable, unlike for the overview.
+int runInterfaceChange(const Args& args) {
+    SplitArgs split;
+    std::string error;
+    const bool adding = args[0] == "add";
+    if (!splitArgs(args, adding ? std::vector<std::string>{"--socket"} : std::vector<std::string>{},
+                   adding ? std::vector<std::string>{"--board"} : std::vector<std::string>{}, split, error))
+        return fail(error);
+    if (!platform::currentStoreStatus().writable)
+        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
+    if (adding) return runAdd(split);
+    if (split.operands.size() != 2) return fail("usage: braxcfg interfaces remove INTF");
+    if (const auto refused = refuseInterfaceKey(split.operands[1])) return *refused;
+    if (const std::string failure = removeInterface(split.operands[1]); !failure.empty()) return fail(failure);
+    return 0;
 }
 
 int runInterfaces(const Args& args) {
     SplitArgs split;
     std::string error;
+    // The overview leaves no trace in the store; a change may make the store.
+    const bool changes = !args.empty() && (args[0] == "add" || args[0] == "remove");
+    if (const int rc = prepareStore(changes ? StoreUse::Write : StoreUse::ReadOnly); rc != 0) return rc;
+    if (changes) return runInterfaceChange(args);
     if (!splitArgs(args, {"--json"}, {}, split, error)) return fail(error);
     if (!split.operands.empty()) return fail("interfaces takes no operands");
     const auto rows = readInterfaces();
@@ -93,6 +110,7 @@ int runPredicate(const Args& args, const char* exportName, bool printsResult) {
     std::string error;
     if (!splitArgs(args, {}, {}, split, error)) return fail(error);
     if (split.operands.size() != 1) return fail(std::string("expected one interface key name, such as INTF0"));
+    if (const auto refused = refuseInterfaceKey(split.operands[0])) return *refused;
     Plugin plugin;
     if (!plugin.loaded()) return fail(plugin.error());
     if (printsResult) {
@@ -107,11 +125,18 @@ int runPredicate(const Args& args, const char* exportName, bool printsResult) {
     return 0;
 }
 
-const CommandRegistration kInterfaces({"interfaces", "list the store's interfaces",
+const CommandRegistration kInterfaces({"interfaces", "list, add or remove the store's interfaces",
                                        "usage: braxcfg interfaces [--json]\n"
+                                       "       braxcfg interfaces add TYPE [--board N] [--socket]\n"
+                                       "       braxcfg interfaces remove INTF\n"
                                        "One line per INTF<n> key, by number: key, VISA name,\n"
-                                       "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n",
-                                       StoreUse::ReadOnly, runInterfaces});
+                                       "type word, set up or not, \"VISAAutoConfig\" when present, device entries.\n"
+                                       "'add' creates the lowest free INTF<n> key for an interface of TYPE (GPIB,\n"
+                                       "TCPIP, VXI, GPIB-VXI, ASRL, USB, PXI, RSIB) with board N (default: the lowest\n"
+                                       "free one), INSTR resources or with --socket SOCKET ones, sets it up through\n"
+                                       "the plug-in (setupVisaIntf) and prints the new key. A VISA name already in\n"
+                                       "use is refused. 'remove' deletes the key INTF with everything below it.\n",
+                                       StoreUse::None, runInterfaces});
 const CommandRegistration kValid({"valid", "is the interface a valid VISA interface (plug-in export)",
                                   "usage: braxcfg valid INTF\nPrints 1 or 0, as isValidVisaIntf answers.\n",
                                   StoreUse::Read, [](const Args& a) { return runPredicate(a, "isValidVisaIntf", true); }});

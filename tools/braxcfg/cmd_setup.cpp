@@ -3,6 +3,7 @@
 // Both go through the loaded plug-in with no owner window, as a host calls
 // them.
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "plugin.h"
@@ -50,6 +51,7 @@ int runSetup(const Args& args) {
     std::string error;
     if (!splitArgs(args, {}, {}, split, error)) return fail(error);
     if (split.operands.size() != 1) return fail("setup needs one interface key name, such as INTF0");
+    if (const auto refused = refuseInterfaceKey(split.operands[0])) return *refused;
     Plugin plugin;
     if (!plugin.loaded()) return fail(plugin.error());
     auto* setup = plugin.get<void(HWND, const char*)>("setupVisaIntf");

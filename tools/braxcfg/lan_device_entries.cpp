@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "interface_keys.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
@@ -32,8 +33,7 @@ int addLanDeviceEntries(const std::string& intf, const std::vector<std::string>&
     const store::ConfigStore store;
     if (!store.IsValidVisaIntf(intf)) return fail(intf + " is not a valid VISA interface (no \"VISAName\")");
     if (store.GetIntfType(intf) != visa::VI_INTF_TCPIP) return fail(intf + " is not a TCPIP interface");
-    if (!platform::Registry(intf + "\\VISADev", platform::kRegOpenExisting).isOpen())
-        return fail(intf + " has no device list yet; set it up first: braxcfg setup " + intf);
+    if (const auto refused = refuseWithoutDeviceList(intf)) return *refused;
     const std::string visaName = store.GetVisaName(intf);
     long long board = 0;  // "TCPIP" alone is board 0
     if (visaName.size() > 5) parseWholeNumber(visaName.substr(5), 0, 65535, board);

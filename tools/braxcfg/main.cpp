@@ -7,6 +7,7 @@
 
 #include "braxcfg_version.h"
 #include "command.h"
+#include "config_window_logic.h"
 
 namespace {
 
@@ -59,6 +60,10 @@ int main(int argc, char** argv) {
         // The plug-in the tool loads reads the same store.
         setenv("BRAXCFG_STORE", storeOption.c_str(), 1);
     }
+    // Without a command a person gets the configuration window, when one can be shown.
+    if (args.empty() && braxcfg::tool::canShowWindows(std::getenv("QT_QPA_PLATFORM"), std::getenv("DISPLAY"),
+                                                       std::getenv("WAYLAND_DISPLAY")))
+        args.emplace_back("gui");
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printOverview(std::cout);
         return args.empty() ? braxcfg::tool::kExitError : 0;

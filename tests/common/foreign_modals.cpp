@@ -1,0 +1,48 @@
+#include "foreign_modals.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <algorithm>
+
+namespace braxcfg::test {
+
+ForeignModals::ForeignModals() { watch(); }
+
+ForeignModals::~ForeignModals() = default;
+
+ForeignModals& ForeignModals::then(std::string className, std::function<void(QWidget&)> act) {
+    steps_.push_back({std::move(className), std::move(act)});
+    return *this;
+}
+
+std::vector<std::string> ForeignModals::problems() const {
+    std::vector<std::string> all = problems_;
+    for (std::size_t i = next_; i < steps_.size(); ++i) all.push_back(steps_[i].className + " never opened");
+    return all;
+}
+
+// Looks again once the event loop has run a little; the timer belongs to
+// context_, so nothing fires after the driver is gone.
+void ForeignModals::watch() { QTimer::singleShot(5, &context_, [this] { poll(); }); }
+
+void ForeignModals::poll() {
+    // The next look is due before the step runs: the step may open a nested
+    // modal window whose event loop must meet the driver too.
+    watch();
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr) return;
+    if (std::any_of(handled_.begin(), handled_.end(), [modal](const QPointer<QWidget>& w) { return w == modal; }))
+        return;
+    handled_.emplace_back(modal);
+    const std::string className = modal->metaObject()->className();
+    opened_.push_back(className);
+    if (next_ >= steps_.size() || steps_[next_].className != className) {
+        problems_.push_back(className + " opened" +
+                            (next_ < steps_.size() ? " where " + steps_[next_].className + " was expected" : ""));
+        modal->close();
+        return;
+    }
+    steps_[next_++].act(*modal);
+}
+
+}  // namespace braxcfg::test
