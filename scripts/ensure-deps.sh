@@ -13,6 +13,7 @@ packages=(
   libtirpc-dev rpcbind rpcsvc-proto iproute2 util-linux
   python3-pyvisa
   nlohmann-json3-dev xvfb xdotool
+  dpkg-dev file
 )
 if [ "${1:-}" = "--windows" ]; then
   # MinGW-w64 with POSIX threads (std::thread, std::mutex), and Wine to run

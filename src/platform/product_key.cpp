@@ -64,7 +64,8 @@ std::string computeProductKey() {
             maker = "Tolvane";
             product = "Linkbase";
         }
-        writeProductWords(maker, product);
+        // A store opened only for reading keeps no trace of the reader.
+        if (currentStoreStatus().writable) writeProductWords(maker, product);
     }
     return "SOFTWARE\\" + maker + "\\" + product + "\\CurrentVersion";
 }

@@ -7,7 +7,8 @@
 namespace braxcfg::platform {
 
 // "SOFTWARE\<maker>\<product>\CurrentVersion", computed once per store and
-// cached. Finding the words may write "MfgName"/"KeyName" (see the README).
+// cached. Finding the words may write "MfgName"/"KeyName" (see the README),
+// never to a store opened read-only.
 std::string productKey();
 
 }  // namespace braxcfg::platform

@@ -234,12 +234,15 @@ std::optional<Failure> openForWriting(const std::string& path, SqliteConnection&
 
 }  // namespace
 
-SqliteStoreOpening openSqliteStore(const std::string& path) {
+SqliteStoreOpening openSqliteStore(const std::string& path, StoreAccess access) {
     if (path.empty()) return failed(path, StoreOpenState::Missing, "no store file named (the path is empty)");
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) {
         if (errno != ENOENT && errno != ENOTDIR)
             return failed(path, StoreOpenState::Unreadable, path + ": " + std::strerror(errno));
+        if (access == StoreAccess::ReadOnly)
+            return failed(path, StoreOpenState::Missing,
+                          path + ": no such file (a command that only reads does not make one)");
         std::string error;
         if (!createStoreFile(path, &error)) return failed(path, StoreOpenState::Missing, error);
         if (::stat(path.c_str(), &info) != 0)
@@ -256,7 +259,7 @@ SqliteStoreOpening openSqliteStore(const std::string& path) {
 
     auto db = std::make_unique<SqliteConnection>();
     if (auto failure = openChecked(path, *db)) return failed(path, failure->state, path + ": " + failure->error);
-    bool writable = writableByUs(path);
+    const bool writable = access == StoreAccess::Change && writableByUs(path);
     if (writable) {
         if (auto failure = openForWriting(path, *db))
             return failed(path, failure->state, path + ": " + failure->error);

@@ -1,7 +1,7 @@
 #pragma once
-// Opening a store file: creating it when missing, refusing a file that is
-// not a store or is damaged without writing to it, and opening read-only a
-// file this user cannot write.
+// Opening a store file: creating it when missing (unless only reading),
+// refusing a file that is not a store or is damaged without writing to it,
+// and opening read-only a file this user cannot write or only reads.
 #include <memory>
 #include <string>
 
@@ -14,6 +14,6 @@ struct SqliteStoreOpening {
     std::unique_ptr<StoreBackend> backend;  // set only when status.state is Open
 };
 
-SqliteStoreOpening openSqliteStore(const std::string& path);
+SqliteStoreOpening openSqliteStore(const std::string& path, StoreAccess access = StoreAccess::Change);
 
 }  // namespace braxcfg::platform

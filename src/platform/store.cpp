@@ -96,19 +96,21 @@ RegResult failureFor(StoreOpenState state) {
 // The store itself: the registry on Windows, an SQLite file elsewhere.
 #ifdef _WIN32
 using StoreOpening = RegistryStoreOpening;
-StoreOpening openBackend(const std::string& path) { return openRegistryStore(path); }
+// The registry grants or refuses each key's access itself; a read-only
+// command simply never asks to write.
+StoreOpening openBackend(const std::string& path, StoreAccess) { return openRegistryStore(path); }
 #else
 using StoreOpening = SqliteStoreOpening;
-StoreOpening openBackend(const std::string& path) { return openSqliteStore(path); }
+StoreOpening openBackend(const std::string& path, StoreAccess access) { return openSqliteStore(path, access); }
 #endif
 
 // The machine-wide store decides where modules are loaded from ("BaseDir"):
 // one that anybody but root could have changed is not used at all.
-StoreOpening openChecked(const std::string& path) {
+StoreOpening openChecked(const std::string& path, StoreAccess access) {
     const bool machineWide = isMachineWideStore(path);
     std::string problem = machineWide ? machineWideStoreProblem() : std::string();
     StoreOpening opening;
-    if (problem.empty()) opening = openBackend(path);
+    if (problem.empty()) opening = openBackend(path, access);
     if (problem.empty() && machineWide && opening.backend) problem = machineWideStoreProblem();
     if (!problem.empty()) {
         opening.backend.reset();
@@ -117,8 +119,8 @@ StoreOpening openChecked(const std::string& path) {
     return opening;
 }
 
-StoreStatus openLocked(ProcessStore& store, const std::string& path) {
-    StoreOpening opening = openChecked(path);
+StoreStatus openLocked(ProcessStore& store, const std::string& path, StoreAccess access = StoreAccess::Change) {
+    StoreOpening opening = openChecked(path, access);
     if (opening.backend) {
         store.backend.replace(std::shared_ptr<StoreBackend>(std::move(opening.backend)));
     } else {
@@ -140,10 +142,10 @@ ProcessStore& openedProcessStore() {
 
 }  // namespace
 
-StoreStatus openStore(const std::string& path) {
+StoreStatus openStore(const std::string& path, StoreAccess access) {
     ProcessStore& store = processStore();
     std::lock_guard lock(store.mutex);
-    return openLocked(store, path);
+    return openLocked(store, path, access);
 }
 
 void closeStore() {

@@ -15,6 +15,11 @@ enum class StoreOpenState {
     Unreadable,  // permissions or I/O
 };
 
+// How a store is opened. Change creates a missing file and opens it
+// writable when this user may write it; ReadOnly needs the file to exist
+// and never writes it, so a command that only reads leaves no trace.
+enum class StoreAccess { Change, ReadOnly };
+
 struct StoreStatus {
     StoreOpenState state = StoreOpenState::Missing;
     bool writable = false;
@@ -40,7 +45,7 @@ std::string machineWideStoreProblem();
 // says so, before and after it is created. A store that cannot be opened leaves a backend whose every call fails (reads
 // empty, writes skipped) after one debug line; the damaged file is left as
 // it is.
-StoreStatus openStore(const std::string& path);
+StoreStatus openStore(const std::string& path, StoreAccess access = StoreAccess::Change);
 
 // Closes the process's store; until the next openStore every call fails
 // as on an unopened key (it is not reopened from resolveStorePath()).

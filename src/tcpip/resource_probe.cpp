@@ -37,10 +37,12 @@ ResourceTestMessage resourceTestMessage(visa::ViStatus probeStatus, std::string 
     return message;
 }
 
-int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control) {
+int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control,
+                 visa::ViStatus* probeStatus) {
     visa::ViSession rm = visa::VI_NULL;
     if (visa::viOpenDefaultRM(&rm) < visa::VI_SUCCESS) return 0;
     const ResponsiveProbeResult probe = probeWhileResponsive(rm, resource, control);
+    if (probeStatus != nullptr) *probeStatus = probe.status;
     const ResourceTestMessage message = resourceTestMessage(probe.status, std::move(alias), resource);
     // A window closed during the test has been left by the person; no box
     // asks them to read an outcome they cancelled.

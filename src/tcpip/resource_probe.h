@@ -28,7 +28,9 @@ ResourceTestMessage resourceTestMessage(visa::ViStatus probeStatus, std::string 
 // When the resource manager cannot be opened it returns 0 and shows nothing.
 // The probe runs while the windows keep painting (probeWhileResponsive); a
 // window closed meanwhile cancels it, gets no message, and is closed before
-// this returns 0.
-int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control = {});
+// this returns 0. `probeStatus`, when given, receives the probe's status,
+// so a caller can say why a resource was not found.
+int TestResource(QWidget* owner, std::string alias, std::string resource, const visa::ProbeControl& control = {},
+                 visa::ViStatus* probeStatus = nullptr);
 
 }  // namespace braxcfg::tcpip

@@ -91,11 +91,16 @@ TEST_F(RealRpcTest, ToolPrintsTheThreeOutcomes) {
                                         std::to_string(getpid()) + ".db");
     const struct { std::vector<std::string> args; int exitCode; const char* output; } cases[] = {
         {{"TCPIP0::127.0.0.1::inst0::INSTR", "--alias", "scope1"}, 0,
-         "Resource Found\nThe resource 'scope1' was found.\n\n(TCPIP0::127.0.0.1::inst0::INSTR)\n"},
+         "Resource Found\nThe resource 'scope1' was found.\n\n(TCPIP0::127.0.0.1::inst0::INSTR)\n"
+         "VI_SUCCESS (0x00000000): Operation completed successfully.\n"},
         {{"TCPIP0::127.0.0.1::inst9::INSTR", "--alias", "scope1"}, 1,
-         "Host Located But Resource Not Found\nThe resource 'TCPIP0::127.0.0.1::inst9::INSTR' was not found.\n"},
+         "Host Located But Resource Not Found\nThe resource 'TCPIP0::127.0.0.1::inst9::INSTR' was not found.\n"
+         "VI_ERROR_RSRC_NFOUND (0xBFFF0011): Insufficient location information or the requested device or "
+         "resource is not present in the system.\n"},
         {{"TCPIP0::nohost.invalid::inst0::INSTR", "--timeout", "1000"}, 1,
-         "Resource Not Found\nThe resource 'TCPIP0::nohost.invalid::inst0::INSTR' was not found.\n"},
+         "Resource Not Found\nThe resource 'TCPIP0::nohost.invalid::inst0::INSTR' was not found.\n"
+         "VI_ERROR_MACHINE_NAVAIL (0xBFFF00A7): The remote machine does not exist or is not accepting any "
+         "connections.\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args[0]);

@@ -4,8 +4,7 @@
 #include <iostream>
 
 #include "command.h"
-#include "platform/store.h"
-#include "tcpip/alist.h"
+#include "loaded_aliases.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -14,23 +13,6 @@ namespace {
 using tcpip::AliasEntry;
 using tcpip::AList;
 
-// The aliases of the store, freed with the list.
-class LoadedAliases {
-public:
-    LoadedAliases() { list_.load(); }
-    ~LoadedAliases() { list_.deleteRecords(); }
-    LoadedAliases(const LoadedAliases&) = delete;
-    LoadedAliases& operator=(const LoadedAliases&) = delete;
-
-    AList& list() { return list_; }
-    AliasEntry* named(const std::string& name) {
-        const AliasEntry probe(name, std::nullopt, std::nullopt);
-        return list_.findDuplicate(&probe);
-    }
-
-private:
-    AList list_;
-};
 
 int listAliases() {
     LoadedAliases aliases;
@@ -86,9 +68,9 @@ int runAliases(const Args& args) {
     std::string error;
     if (!splitArgs(args, {}, {"--resource", "--korl-address"}, split, error)) return fail(error);
     const auto& words = split.operands;
+    // Listing leaves no trace in the store; a change may make the store.
+    if (const int rc = prepareStore(words.empty() ? StoreUse::ReadOnly : StoreUse::Write); rc != 0) return rc;
     if (words.empty()) return split.options.empty() ? listAliases() : fail("options belong to 'aliases set'");
-    if (!platform::currentStoreStatus().writable)
-        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
     if (words[0] == "set" && words.size() == 2 && !words[1].empty()) return setAlias(words[1], split);
     if (words[0] == "remove" && words.size() == 2 && split.options.empty()) return removeAlias(words[1]);
     return fail("usage: braxcfg aliases [set NAME --resource R [--korl-address A] | remove NAME]");
@@ -104,7 +86,7 @@ const CommandRegistration kAliases(
      "changes an alias (names ignore case); without --korl-address an existing\n"
      "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
      "alias from both lists.\n",
-     StoreUse::Read, runAliases});
+     StoreUse::None, runAliases});
 
 }  // namespace
 }  // namespace braxcfg::tool

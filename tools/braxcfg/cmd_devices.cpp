@@ -76,6 +76,8 @@ int runDevices(const Args& args) {
     if (!splitArgs(args, {}, {"--class"}, split, error)) return fail(error);
     const auto& words = split.operands;
     if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
+    // Listing leaves no trace in the store; an action changes it.
+    if (const int rc = prepareStore(words.size() > 1 ? StoreUse::Write : StoreUse::ReadOnly); rc != 0) return rc;
     const std::string& intf = words[0];
     if (const auto refused = refuseInterfaceKey(intf)) return *refused;
     const store::ConfigStore store;
@@ -85,8 +87,6 @@ int runDevices(const Args& args) {
     const std::string classFilter = optionValue(split, "--class");
     if (action != "add" && !classFilter.empty()) return fail("--class belongs to 'devices INTF add NAME'");
     if (action.empty()) return words.size() == 1 ? listDevices(store, intf) : fail("unexpected operands");
-    if (!platform::currentStoreStatus().writable)
-        return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
         if (!hasDeviceList)
@@ -118,7 +118,7 @@ const CommandRegistration kDevices(
      "GPIB0::22) with one resource entry per class of VISAInfo\\DefaultRsrcs that\n"
      "applies to the interface's type, or only class C. 'clear' removes every\n"
      "device entry of the interface.\n",
-     StoreUse::Read, runDevices});
+     StoreUse::None, runDevices});
 
 }  // namespace
 }  // namespace braxcfg::tool

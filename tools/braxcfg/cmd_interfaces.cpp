@@ -90,7 +90,10 @@ int runInterfaceChange(const Args& args) {
 int runInterfaces(const Args& args) {
     SplitArgs split;
     std::string error;
-    if (!args.empty() && (args[0] == "add" || args[0] == "remove")) return runInterfaceChange(args);
+    // The overview leaves no trace in the store; a change may make the store.
+    const bool changes = !args.empty() && (args[0] == "add" || args[0] == "remove");
+    if (const int rc = prepareStore(changes ? StoreUse::Write : StoreUse::ReadOnly); rc != 0) return rc;
+    if (changes) return runInterfaceChange(args);
     if (!splitArgs(args, {"--json"}, {}, split, error)) return fail(error);
     if (!split.operands.empty()) return fail("interfaces takes no operands");
     const auto rows = readInterfaces();
@@ -133,7 +136,7 @@ const CommandRegistration kInterfaces({"interfaces", "list, add or remove the st
                                        "free one), INSTR resources or with --socket SOCKET ones, sets it up through\n"
                                        "the plug-in (setupVisaIntf) and prints the new key. A VISA name already in\n"
                                        "use is refused. 'remove' deletes the key INTF with everything below it.\n",
-                                       StoreUse::Read, runInterfaces});
+                                       StoreUse::None, runInterfaces});
 const CommandRegistration kValid({"valid", "is the interface a valid VISA interface (plug-in export)",
                                   "usage: braxcfg valid INTF\nPrints 1 or 0, as isValidVisaIntf answers.\n",
                                   StoreUse::Read, [](const Args& a) { return runPredicate(a, "isValidVisaIntf", true); }});

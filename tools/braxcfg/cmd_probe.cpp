@@ -1,6 +1,7 @@
 // test RESOURCE [--alias NAME] [--timeout MS]: the TCPIP dialogs' resource
 // test without a window. The message box the test would show is printed
-// instead: its caption on the first line, its text after it.
+// instead: its caption on the first line, its text after it, and the
+// probe's status last, so a timeout can be told from a refusal.
 #include <chrono>
 #include <iostream>
 
@@ -9,6 +10,7 @@
 #include "tool_text.h"
 #include "ui/testing/message_box_capture.h"
 #include "visacore/probe_timeout.h"
+#include "visacore/status_text.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -21,6 +23,13 @@ bool parseTimeout(const std::string& text, std::chrono::milliseconds& timeout) {
     return true;
 }
 
+// "VI_ERROR_TMO (0xBFFF0015): Timeout expired before operation completed."
+std::string statusLine(visa::ViStatus status) {
+    const visa::StatusText* known = visa::findStatusText(status);
+    return std::string(known != nullptr ? known->name : "unknown status") + " (" + visa::statusCodeText(status) +
+           "): " + visa::statusDescription(status);
+}
+
 int runProbe(const Args& args) {
     SplitArgs split;
     std::string error;
@@ -31,10 +40,11 @@ int runProbe(const Args& args) {
         return fail("--timeout takes milliseconds from 1 to " + std::to_string(visa::kMaxProbeTimeout.count()));
 
     const ui::MessageBoxCapture boxes;
-    const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control);
+    visa::ViStatus status = visa::VI_SUCCESS;
+    const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control, &status);
     if (boxes.requests().empty()) return fail("the VISA resource manager could not be opened");
     const ui::MessageBoxRequest& box = boxes.requests().front();
-    std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n";
+    std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n" << statusLine(status) << "\n";
     return found == 1 ? 0 : 1;
 }
 
@@ -42,7 +52,8 @@ const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialo
                                  "usage: braxcfg test RESOURCE [--alias NAME] [--timeout MS]\n"
                                  "Locates RESOURCE (TCPIP::host[::device][::INSTR] or\n"
                                  "TCPIP::host::port::SOCKET) and prints what the resource test would show:\n"
-                                 "the caption on the first line, then the text.\n"
+                                 "the caption on the first line, then the text, then the probe's status:\n"
+                                 "its name, code and description (VI_ERROR_TMO (0xBFFF0015): ...).\n"
                                  "  --alias NAME   the resource's alias, named in the text when it is found\n"
                                  "  --timeout MS   give up after MS milliseconds (1 to 60000); default: the\n"
                                  "                 product setting \"ResourceTestTimeout\", else 3000\n"

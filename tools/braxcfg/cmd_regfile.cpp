@@ -61,7 +61,7 @@ const CommandRegistration kExport(
      "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane) with everything below it, as .reg text:\n"
      "UTF-16LE with byte order mark and CRLF line ends, as Windows writes it, or with\n"
      "--utf8 UTF-8 without byte order mark and LF line ends. Standard output when no FILE.\n",
-     StoreUse::Read, runExport});
+     StoreUse::ReadOnly, runExport});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -5,13 +5,12 @@
 #include <vector>
 
 #include "command.h"
+#include "resource_names.h"
 #include "rsrc/io_parms.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
 namespace {
-
-constexpr int kNameChars = 1024;
 
 // Each operand in a buffer of its own: parse trims it in place.
 std::vector<char> writableCopy(const std::string& text) {
@@ -42,21 +41,16 @@ int dumpEach(const std::vector<std::string>& strings) {
     return allParsed ? 0 : 1;
 }
 
-// One line per string: canonical name, alternate name, status. The names
-// are fetched one after the other, canonical first, and TAB or any other
-// control character in them is escaped so the columns stay columns.
+// One line per string: canonical name, alternate name, status. TAB or any
+// other control character in the names is escaped so the columns stay
+// columns.
 int canonEach(const std::vector<std::string>& strings) {
     bool allParsed = true;
     for (const std::string& text : strings) {
-        std::vector<char> buffer = writableCopy(text);
-        rsrc::IoParms parms;
-        const visa::ViStatus status = parms.parse(buffer.data(), false);
-        allParsed = status >= 0 && allParsed;
-        char name[kNameChars];
-        const std::string canonical = escapedUtf8(parms.getCanonicalName(name, kNameChars));
-        const std::string alternate = escapedUtf8(parms.getAltName(name, kNameChars));
-        std::printf("%s\t%s\t0x%08lX\n", canonical.c_str(), alternate.c_str(),
-                    static_cast<unsigned long>(static_cast<std::uint32_t>(status)));
+        const ResourceNames names = resourceNames(text);
+        allParsed = names.status >= 0 && allParsed;
+        std::printf("%s\t%s\t0x%08lX\n", escapedUtf8(names.canonical).c_str(), escapedUtf8(names.alternate).c_str(),
+                    static_cast<unsigned long>(static_cast<std::uint32_t>(names.status)));
     }
     return allParsed ? 0 : 1;
 }
@@ -81,7 +75,7 @@ const CommandRegistration kRsrc({"rsrc", "parse resource strings: record dump or
                                  "when none), TAB, the parse status in hexadecimal (0xBFFF0012).\n"
                                  "After \"--\" every argument is a resource string, even one starting with \"-\".\n"
                                  "Exit status 0 when every STRING parsed without error, 1 otherwise.\n",
-                                 StoreUse::Read, runRsrc});
+                                 StoreUse::ReadOnly, runRsrc});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -46,7 +46,8 @@ int prepareStore(StoreUse use, const std::string& path) {
     if (path.empty() && std::getenv("BRAXCFG_STORE") != nullptr && *std::getenv("BRAXCFG_STORE") == '\0')
         return fail("BRAXCFG_STORE is set but empty; name a store file or unset it");
     const std::string file = path.empty() ? resolveStorePath() : path;
-    const StoreStatus status = openStore(file);
+    const StoreStatus status =
+        openStore(file, use == StoreUse::ReadOnly ? StoreAccess::ReadOnly : StoreAccess::Change);
     if (status.state != StoreOpenState::Open) return fail("cannot use the store " + file + ": " + status.error);
     if (use == StoreUse::Write && !status.writable)
         return fail("the store " + file + " is not writable by this user; run as its owner or pass --store PATH");

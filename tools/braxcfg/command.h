@@ -8,9 +8,13 @@
 namespace braxcfg::tool {
 
 enum class StoreUse {
-    None,   // the command never touches the store
-    Read,   // the store must open; a corrupt or unreadable one is an error
-    Write,  // as Read, and the user must be able to write it
+    None,      // nothing is opened before the command runs: it never touches
+               // the store, or calls prepareStore as its action needs
+    ReadOnly,  // the command only reads: the store must exist, and is opened
+               // read-only so that reading leaves no trace in it
+    Read,      // the store must open (a missing one is made); a corrupt or
+               // unreadable one is an error
+    Write,     // as Read, and the user must be able to write it
 };
 
 using Args = std::vector<std::string>;

@@ -1,9 +1,11 @@
 // braxcfg: the configuration tool that hosts the plug-in.
 //   braxcfg [--store PATH] COMMAND [ARGS...]
+//   braxcfg --version
 #include <cstdlib>
 #include <iostream>
 #include <string>
 
+#include "braxcfg_version.h"
 #include "command.h"
 #include "config_window_logic.h"
 
@@ -13,7 +15,8 @@ using braxcfg::tool::Args;
 using braxcfg::tool::Command;
 
 void printOverview(std::ostream& out) {
-    out << "usage: braxcfg [--store PATH] COMMAND [ARGS...]\n\ncommands:\n";
+    out << "usage: braxcfg [--store PATH] COMMAND [ARGS...]\n"
+           "       braxcfg --version\n\ncommands:\n";
     for (const Command& command : braxcfg::tool::registeredCommands()) {
         std::string name = command.name;
         name.resize(std::max<std::size_t>(name.size(), 12), ' ');
@@ -68,6 +71,12 @@ int main(int argc, char** argv) {
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printOverview(std::cout);
         return args.empty() ? braxcfg::tool::kExitError : 0;
+    }
+    if (args[0] == "--version") {
+        if (args.size() != 1) return braxcfg::tool::fail("--version takes no arguments");
+        // The version the build was configured with: the project's one version.
+        std::cout << "braxcfg " BRAXCFG_VERSION_TEXT "\n";
+        return 0;
     }
     const Command* command = findCommand(args[0]);
     if (command == nullptr) {
