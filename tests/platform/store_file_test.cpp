@@ -9,8 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "platform/debug_output.h"
 #include "platform/sqlite_db.h"
@@ -19,6 +17,7 @@
 #include "store_test_access.h"
 #include "store_files.h"
 #include "temp_store.h"
+#include "test_files.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -26,14 +25,8 @@ namespace {
 namespace fs = std::filesystem;
 using test::setString;
 
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void writeFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
+using test::readFile;
+using test::writeFile;
 
 // An empty folder of its own for one test.
 std::string freshFolder(const std::string& name) {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "scoped_env.h"
 #include "temp_store.h"
 #include "tool_run.h"
 
@@ -17,9 +18,6 @@ const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\C
 class AutoconfigTool : public ::testing::Test {
 protected:
     void SetUp() override {
-        // The tool inherits these: the example lab, and no system VISA library.
-        setenv("BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini", 1);
-        setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1);
         dir_ = braxcfg::test::testOutputDir("autoconfig_tool/" + std::to_string(getpid()));
         std::filesystem::remove_all(dir_);
         std::filesystem::create_directories(dir_);
@@ -33,8 +31,6 @@ protected:
         ASSERT_EQ(run({"import", dir_ + "/start.reg"}, &output), 0) << output;
     }
     void TearDown() override {
-        unsetenv("BRAXCFG_LAB");
-        unsetenv("BRAXCFG_VISA_LIBRARY");
         std::filesystem::remove_all(dir_);
     }
     // The exit code; stdout, then stderr, in `output`.
@@ -45,6 +41,9 @@ protected:
         return result.exitCode;
     }
 
+    // The tool inherits these: the example lab, and no system VISA library.
+    braxcfg::test::ScopedEnv lab_{"BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini"};
+    braxcfg::test::ScopedEnv visa_{"BRAXCFG_VISA_LIBRARY", "builtin"};
     std::string dir_;
 };
 
@@ -79,7 +78,7 @@ TEST_F(AutoconfigTool, JsonIsUtf8AndRefusalsSayWhy) {
     // Not set up: what the search found would have nowhere to go.
     EXPECT_EQ(run({"autoconfig", "INTF3"}, &output), 2);
     EXPECT_NE(output.find("INTF3 has no device list yet; set it up first"), std::string::npos) << output;
-    setenv("BRAXCFG_LAB", "/nonexistent.ini", 1);
+    const braxcfg::test::ScopedEnv missingLab("BRAXCFG_LAB", "/nonexistent.ini");
     EXPECT_EQ(run({"autoconfig", "INTF0"}, &output), 2);
     EXPECT_NE(output.find("braxcfg: VISA Error (0xbfff003a) occurred. "), std::string::npos) << output;
 }

@@ -12,6 +12,7 @@
 
 #include "store_files.h"
 #include "temp_store.h"
+#include "test_files.h"
 #include "tool_run.h"
 
 namespace braxcfg::test {
@@ -32,10 +33,7 @@ ToolRun onStore(const std::string& store, std::vector<std::string> args) {
 std::string storeBytes(const std::string& path) {
     std::string bytes;
     for (const char* suffix : {"", "-wal"}) {
-        std::ifstream file(path + suffix, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        bytes += std::string(suffix) + ":" + text.str();
+        bytes += std::string(suffix) + ":" + braxcfg::test::readFile(path + suffix);
     }
     return bytes;
 }

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
-#include <mutex>
 #include <thread>
 
 #include "platform/sqlite_db.h"
+#include "store_write_lock.h"
 #include "temp_store.h"
 #include "tool_run.h"
 
@@ -42,30 +42,6 @@ protected:
     }
     std::string snapshot() const { return tool({"export", "--utf8"}).out; }
 
-    // Holds the write lock, as a second process in the middle of a change
-    // would, until release() (or `seconds` have passed, when given).
-    class Lock {
-    public:
-        explicit Lock(const std::string& store, int seconds = 0) {
-            EXPECT_EQ(db_.open(store, SQLITE_OPEN_READWRITE), SQLITE_OK);
-            EXPECT_EQ(db_.exec("BEGIN IMMEDIATE"), SQLITE_OK);
-            if (seconds > 0) timer_ = std::async(std::launch::async, [this, seconds] {
-                std::this_thread::sleep_for(std::chrono::seconds(seconds));
-                release();
-            });
-        }
-        ~Lock() { release(); }
-        void release() {
-            std::lock_guard lock(mutex_);
-            if (db_.isOpen()) db_.close();  // rolls back
-        }
-
-    private:
-        std::mutex mutex_;
-        braxcfg::platform::SqliteConnection db_;
-        std::future<void> timer_;
-    };
-
     std::string dir_;
     std::string store_;
 };
@@ -84,7 +60,8 @@ TEST_F(StoreBusyTool, EveryWritingCommandRefusesAndWritesNothing) {
         {"devices", "INTF0", "add", "GPIB0::9"}, {"devices", "INTF0", "clear"}, {"setup", "INTF1"},
         {"end-pass"},                            {"import", more},
     };
-    Lock held(store_);
+    braxcfg::test::StoreWriteLock held(store_);
+    ASSERT_TRUE(held.held());
     std::vector<std::future<ToolRun>> runs;
     for (const auto& command : commands) runs.push_back(std::async(std::launch::async, [&] { return tool(command); }));
     for (std::size_t i = 0; i < runs.size(); ++i) {
@@ -114,7 +91,13 @@ TEST_F(StoreBusyTool, AContendedClearOfALongListIsAllOrNothing) {
         SCOPED_TRACE(c.heldSeconds);
         ASSERT_EQ(tool({"import", file}).exitCode, 0);
         const ToolRun clear = [&] {
-            Lock held(store_, c.heldSeconds);
+            braxcfg::test::StoreWriteLock held(store_);
+            EXPECT_TRUE(held.held());
+            const auto timer = std::async(std::launch::async, [&] {
+                if (c.heldSeconds == 0) return;
+                std::this_thread::sleep_for(std::chrono::seconds(c.heldSeconds));
+                held.release();
+            });
             return tool({"devices", "INTF0", "clear"});
         }();
         EXPECT_EQ(clear.exitCode, c.exit) << (clear.out + clear.err);
