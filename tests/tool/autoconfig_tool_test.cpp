@@ -8,19 +8,16 @@
 #include <nlohmann/json.hpp>
 
 #include "scoped_env.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace {
 
 const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
 
-class AutoconfigTool : public ::testing::Test {
+class AutoconfigTool : public braxcfg::test::ToolFolder {
 protected:
     void SetUp() override {
-        dir_ = braxcfg::test::testOutputDir("autoconfig_tool/" + std::to_string(getpid()));
-        std::filesystem::remove_all(dir_);
-        std::filesystem::create_directories(dir_);
+        ToolFolder::SetUp();
         // GPIB0 knows GPIB0::22; the "GPIB\xe9" interface has a name cp1252 holds and UTF-8 spells otherwise.
         std::ofstream(dir_ + "/start.reg", std::ios::binary)
             << "REGEDIT4\n\n[" << kProduct << "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n\n["
@@ -30,21 +27,9 @@ protected:
         std::string output;
         ASSERT_EQ(run({"import", dir_ + "/start.reg"}, &output), 0) << output;
     }
-    void TearDown() override {
-        std::filesystem::remove_all(dir_);
-    }
-    // The exit code; stdout, then stderr, in `output`.
-    int run(std::vector<std::string> args, std::string* output = nullptr) const {
-        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
-        const auto result = braxcfg::test::runTool(args);
-        if (output) *output = result.out + result.err;
-        return result.exitCode;
-    }
-
     // The tool inherits these: the example lab, and no system VISA library.
     braxcfg::test::ScopedEnv lab_{"BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini"};
     braxcfg::test::ScopedEnv visa_{"BRAXCFG_VISA_LIBRARY", "builtin"};
-    std::string dir_;
 };
 
 TEST_F(AutoconfigTool, DryRunWritesNothingThenTheSearchWritesTheNewDevices) {

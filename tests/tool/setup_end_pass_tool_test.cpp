@@ -12,9 +12,7 @@
 
 #include "braxcfg_version.h"
 #include "store_write_lock.h"
-#include "temp_store.h"
-#include "test_files.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace {
 
@@ -23,26 +21,13 @@ const std::string kFixtures = BRAXCFG_TEST_FIXTURES;
 using braxcfg::test::readFile;
 using braxcfg::test::replaceAll;
 
-class SetupEndPassTool : public ::testing::Test {
+class SetupEndPassTool : public braxcfg::test::ToolFolder {
 protected:
     void SetUp() override {
-        dir_ = braxcfg::test::testOutputDir("setup_tool/" + std::to_string(getpid()));
-        std::filesystem::remove_all(dir_);
+        ToolFolder::SetUp();
         std::filesystem::create_directories(dir_ + "/intfcfg");
-        std::ofstream(dir_ + "/intfcfg/intfcfg.ini", std::ios::binary) << "[Cfg232]\r\nVISAAutoConfig=True\r\n";
+        write("intfcfg/intfcfg.ini", "[Cfg232]\r\nVISAAutoConfig=True\r\n");
     }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    // Runs the tool on the test's store; its exit code, with its output
-    // (stdout, then stderr) in `output`.
-    int run(std::vector<std::string> args, std::string* output = nullptr) const {
-        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
-        const braxcfg::test::ToolRun result = braxcfg::test::runTool(args);
-        if (output) *output = result.out + result.err;
-        return result.exitCode;
-    }
-
-    std::string dir_;
 };
 
 TEST_F(SetupEndPassTool, EveryInterfaceTypeGoesThroughSetUpAndEndOfPass) {
