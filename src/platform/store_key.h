@@ -46,9 +46,6 @@ public:
     explicit operator bool() const { return key_ != kNoKey; }
     HKey get() const { return key_; }
     StoreBackend& store() const { return *store_; }
-    // Closes the key held so far and gives the slot to a backend open or
-    // create call, for code that speaks to the backend's own signature.
-    HKey* receive();
     void reset();
 
     // Value `name` read into a zeroed buffer of `capacity` bytes, as a
@@ -73,6 +70,10 @@ public:
     std::vector<std::string> subkeyNames() const;
 
 private:
+    // Closes the key held so far and gives the slot to a backend open or
+    // create call.
+    HKey* receive();
+
     StoreBackend* store_;
     HKey key_ = kNoKey;
 };
