@@ -40,7 +40,8 @@ void copyData(const std::string& stored, RegType type, std::uint8_t* data, std::
 }  // namespace
 
 // One store operation that only reads: its own snapshot unless a held
-// transaction already provides one.
+// transaction already provides one. Made and ended with the backend's
+// mutex_ held by the caller.
 class ReadScope {
 public:
     explicit ReadScope(SqliteBackend& backend) : backend_(backend) {
@@ -71,7 +72,8 @@ private:
 // One store operation that writes: a transaction of its own holding the
 // write lock (waiting for other processes up to the busy timeout), or a
 // savepoint inside a held transaction, so a failed operation leaves nothing
-// half done either way.
+// half done either way. Made and ended with the backend's mutex_ held by
+// the caller.
 class WriteScope {
 public:
     explicit WriteScope(SqliteBackend& backend) : backend_(backend) {
