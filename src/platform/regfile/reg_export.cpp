@@ -11,8 +11,6 @@
 namespace braxcfg::platform::regfile {
 namespace {
 
-constexpr RegAccess kKeyRead = 0x20019;  // KEY_READ
-
 class RegExporter {
 public:
     RegExporter(StoreBackend& store, RegTextEncoding encoding) : store_(store), writer_(encoding) {}

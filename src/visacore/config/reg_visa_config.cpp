@@ -45,7 +45,7 @@ std::vector<int> sortedIntfNumbers(const Registry& root) {
     // Names of any length, through a second handle: the wrapper's own
     // enumeration would stop at the first long name.
     for (const std::string& name :
-         platform::StoreKey::opened(root.handle(), "", platform::kKeyQueryValue).subkeyNames())
+         platform::StoreKey::opened(root.handle(), "", platform::kKeyRead).subkeyNames())
         if (const auto number = intfNumberOf(name)) numbers.push_back(*number);
     std::sort(numbers.begin(), numbers.end());
     return numbers;
