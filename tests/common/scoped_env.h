@@ -1,6 +1,7 @@
 #pragma once
-// An environment variable set (or, with null, unset) for one scope and put
-// back as it was at the end.
+// Sets or (null) unsets an environment variable for one scope and puts the
+// earlier value back afterwards (an empty one too), so one test's choice of
+// store, lab or library never leaks into the next.
 #include <cstdlib>
 #include <optional>
 #include <string>

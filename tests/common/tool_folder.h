@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "temp_store.h"
-#include "test_files.h"
+#include "file_bytes.h"
 #include "tool_run.h"
 
 namespace braxcfg::test {

@@ -10,8 +10,8 @@
 
 #include "dialogs/done_auto_config_logic.h"
 #include "lab_file.h"
-#include "store/config_store.h"
 #include "scoped_env.h"
+#include "store/config_store.h"
 #include "store_builder.h"
 #include "temp_store.h"
 #include "visacore/visa_api.h"

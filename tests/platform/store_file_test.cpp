@@ -10,6 +10,7 @@
 
 #include <filesystem>
 
+#include "file_bytes.h"
 #include "platform/debug_output.h"
 #include "platform/sqlite_db.h"
 #include "platform/sqlite_store_file.h"
@@ -17,15 +18,13 @@
 #include "store_test_access.h"
 #include "store_files.h"
 #include "temp_store.h"
-#include "test_files.h"
 
 namespace braxcfg::platform {
 namespace {
 
 namespace fs = std::filesystem;
-using test::setString;
-
 using test::readFile;
+using test::setString;
 using test::writeFile;
 
 // An empty folder of its own for one test.

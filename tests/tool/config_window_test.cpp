@@ -26,7 +26,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store_builder.h"
-#include "test_files.h"
+#include "file_bytes.h"
 #include "tree_text.h"
 #include "ui/testing/message_box_capture.h"
 #include "ui/modal.h"

@@ -12,7 +12,7 @@
 
 #include "store_files.h"
 #include "temp_store.h"
-#include "test_files.h"
+#include "file_bytes.h"
 #include "tool_run.h"
 
 namespace braxcfg::test {

@@ -11,10 +11,9 @@
 
 namespace {
 
+using braxcfg::test::readFile;
 using braxcfg::test::runTool;
 using braxcfg::test::ToolRun;
-
-using braxcfg::test::readFile;
 
 using RegfileTool = braxcfg::test::ToolFolder;
 

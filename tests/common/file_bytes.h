@@ -1,7 +1,8 @@
 #pragma once
-// Whole files as bytes, for tests that write an input and compare an output.
+// Whole files as bytes: what a test hands the tool or the store to read, and
+// what they wrote, compared byte for byte.
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 
 namespace braxcfg::test {
@@ -9,14 +10,12 @@ namespace braxcfg::test {
 // The file's bytes; empty when it cannot be read.
 inline std::string readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-// Writes `bytes` as the whole file and returns its path.
+// Replaces the file's content with `bytes`, no newline conversion; the path.
 inline std::string writeFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
     return path;
 }
 
