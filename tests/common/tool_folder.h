@@ -31,10 +31,7 @@ protected:
     // Writes `bytes` as the file `name` in the folder; its path.
     std::string write(const std::string& name, const std::string& bytes) const { return writeFile(path(name), bytes); }
 
-    ToolRun tool(std::vector<std::string> args) const {
-        args.insert(args.begin(), {"--store", store()});
-        return runTool(args);
-    }
+    ToolRun tool(const std::vector<std::string>& args) const { return runToolOn(store(), args); }
     // The exit code, with stdout then stderr in `output`.
     int run(const std::vector<std::string>& args, std::string* output = nullptr) const {
         const ToolRun result = tool(args);

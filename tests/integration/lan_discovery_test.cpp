@@ -185,10 +185,7 @@ TEST_F(LanDiscovery, ToolDiscoverJsonAddsWhatItFoundToATcpipInterface) {
     serve(true);
     const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) +
                                         ".db");
-    const auto tool = [&](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--store", store.path()});
-        return test::runTool(args);
-    };
+    const auto tool = [&](const std::vector<std::string>& args) { return test::runToolOn(store.path(), args); };
     ASSERT_EQ(tool({"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
     ASSERT_EQ(tool({"setup", "INTF5"}).exitCode, 0);  // TCPIP0
     EXPECT_EQ(tool({"discover", "--timeout", "1", "--add", "INTF0"}).err,
