@@ -34,7 +34,7 @@ int commitOrFail(AList& list) {
     return list.commit() == 0 ? 0 : fail("the store did not take the change; nothing was written");
 }
 
-int setAlias(const std::string& name, const SplitArgs& split) {
+int setAlias(const std::string& name, const ParsedArgs& split) {
     const std::string resource = optionValue(split, "--resource");
     if (resource.empty()) return fail("usage: braxcfg aliases set NAME --resource R [--korl-address A]");
     const bool hasKorl = hasOption(split, "--korl-address");
@@ -63,10 +63,7 @@ int removeAlias(const std::string& name) {
     return commitOrFail(aliases.list());
 }
 
-int runAliases(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--resource", "--korl-address"}, split, error)) return fail(error);
+int runAliases(const ParsedArgs& split) {
     const auto& words = split.operands;
     // Listing leaves no trace in the store; a change may make the store.
     if (const int rc = prepareStore(words.empty() ? StoreUse::ReadOnly : StoreUse::Write); rc != 0) return rc;
@@ -86,7 +83,9 @@ const CommandRegistration kAliases(
      "changes an alias (names ignore case); without --korl-address an existing\n"
      "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
      "alias from both lists.\n",
-     StoreUse::None, runAliases});
+     StoreUse::None, runAliases,
+     {{"--resource", "R", "the alias's resource string (set)"},
+      {"--korl-address", "A", "the alias's KORL address (set); empty removes it"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

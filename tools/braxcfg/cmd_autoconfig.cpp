@@ -55,10 +55,7 @@ void printText(const std::string& intf, const std::string& visaName, const dialo
     if (result.newDevices.empty()) std::cout << "  none\n";
 }
 
-int runAutoconfig(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {"--json", "--dry-run"}, {}, split, error)) return fail(error);
+int runAutoconfig(const ParsedArgs& split) {
     if (split.operands.size() != 1) return fail("autoconfig needs one interface key name, such as INTF0");
     const std::string& intf = split.operands[0];
     const bool dryRun = hasOption(split, "--dry-run");
@@ -110,7 +107,8 @@ const CommandRegistration kAutoconfig(
      "  --json     print {interface, visaName, known, new, written, errors} as JSON\n"
      "  --dry-run  search and print, but write nothing\n"
      "Exit 0; 2 when the search ended with an error (the devices found before it are kept).\n",
-     StoreUse::Read, runAutoconfig});
+     StoreUse::Read, runAutoconfig,
+     {{"--json", nullptr, "print the result as JSON"}, {"--dry-run", nullptr, "search and print, but write nothing"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -70,10 +70,7 @@ int listDevices(const store::ConfigStore& store, const std::string& intf) {
     return 0;
 }
 
-int runDevices(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--class"}, split, error)) return fail(error);
+int runDevices(const ParsedArgs& split) {
     const auto& words = split.operands;
     if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
     // Listing leaves no trace in the store; an action changes it.
@@ -118,7 +115,7 @@ const CommandRegistration kDevices(
      "GPIB0::22) with one resource entry per class of VISAInfo\\DefaultRsrcs that\n"
      "applies to the interface's type, or only class C. 'clear' removes every\n"
      "device entry of the interface.\n",
-     StoreUse::None, runDevices});
+     StoreUse::None, runDevices, {{"--class", "C", "only the resource class C (add)"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

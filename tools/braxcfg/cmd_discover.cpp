@@ -69,10 +69,7 @@ void printText(const std::vector<DiscoveredInstrument>& instruments) {
     if (instruments.empty()) std::cout << "no LAN instrument answered\n";
 }
 
-int runDiscover(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {"--json"}, {"--timeout", "--add"}, split, error)) return fail(error);
+int runDiscover(const ParsedArgs& split) {
     if (!split.operands.empty()) return fail("discover takes no operand");
     visa::lan::DiscoveryOptions options;
     if (hasOption(split, "--timeout") && !parseSeconds(optionValue(split, "--timeout"), options.timeout))
@@ -114,7 +111,10 @@ const CommandRegistration kDiscover({"discover", "find LAN instruments (VXI-11 b
                                      "  --json       print a JSON array instead of text\n"
                                      "  --add INTF   add every resource found as a device entry of the TCPIP\n"
                                      "               interface INTF (renumbered to its board), in one go\n",
-                                     StoreUse::None, runDiscover});
+                                     StoreUse::None, runDiscover,
+                                     {{"--timeout", "S", "how long to collect answers, in seconds"},
+                                      {"--json", nullptr, "print JSON instead of text"},
+                                      {"--add", "INTF", "add every resource found to the TCPIP interface INTF"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -17,19 +17,11 @@ std::string statusLine(ViStatus status) {
            visa::statusDescription(status);
 }
 
-int runIdentify(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--timeout"}, split, error)) return fail(error);
+int runIdentify(const ParsedArgs& split) {
     if (split.operands.size() != 1) return fail("identify needs exactly one RESOURCE");
     const std::string& resource = split.operands[0];
     visa::lan::LanProbeOptions options;
-    long long timeout = 0;
-    if (hasOption(split, "--timeout")) {
-        if (!parseWholeNumber(optionValue(split, "--timeout"), 1, visa::kMaxProbeTimeout.count(), timeout))
-            return fail("--timeout takes milliseconds from 1 to " + std::to_string(visa::kMaxProbeTimeout.count()));
-        options.budget = std::chrono::milliseconds(timeout);
-    }
+    if (hasOption(split, "--timeout")) options.budget = std::chrono::milliseconds(std::stoll(optionValue(split, "--timeout")));
     visa::lan::LanResource parsed;
     if (const ViStatus status = visa::lan::parseLanResource(resource, parsed); status != visa::VI_SUCCESS)
         return fail("\"" + resource + "\" is not a LAN resource (TCPIP::host[::device][::INSTR] or " +
@@ -53,7 +45,7 @@ const CommandRegistration kIdentify({"identify", "ask a LAN instrument for its i
                                      "Exit status 0 when the instrument answered; 1 when it could not be\n"
                                      "reached or did not answer (the status on stderr, as the resource test\n"
                                      "reports it); 2 for a malformed RESOURCE or option.\n",
-                                     StoreUse::None, runIdentify});
+                                     StoreUse::None, runIdentify, {millisecondsTimeout()}});
 
 }  // namespace
 }  // namespace braxcfg::tool

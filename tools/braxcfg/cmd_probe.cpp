@@ -15,14 +15,6 @@
 namespace braxcfg::tool {
 namespace {
 
-bool parseTimeout(const std::string& text, std::chrono::milliseconds& timeout) {
-    if (text.empty() || text.size() > 6 || text.find_first_not_of("0123456789") != std::string::npos) return false;
-    const long long value = std::stoll(text);
-    if (value < 1 || value > visa::kMaxProbeTimeout.count()) return false;
-    timeout = std::chrono::milliseconds(value);
-    return true;
-}
-
 // "VI_ERROR_TMO (0xBFFF0015): Timeout expired before operation completed."
 std::string statusLine(visa::ViStatus status) {
     const visa::StatusText* known = visa::findStatusText(status);
@@ -30,14 +22,10 @@ std::string statusLine(visa::ViStatus status) {
            "): " + visa::statusDescription(status);
 }
 
-int runProbe(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--alias", "--timeout"}, split, error)) return fail(error);
+int runProbe(const ParsedArgs& split) {
     if (split.operands.size() != 1) return fail("test needs exactly one RESOURCE");
     visa::ProbeControl control;
-    if (hasOption(split, "--timeout") && !parseTimeout(optionValue(split, "--timeout"), control.timeout))
-        return fail("--timeout takes milliseconds from 1 to " + std::to_string(visa::kMaxProbeTimeout.count()));
+    if (hasOption(split, "--timeout")) control.timeout = std::chrono::milliseconds(std::stoll(optionValue(split, "--timeout")));
 
     const ui::MessageBoxCapture boxes;
     visa::ViStatus status = visa::VI_SUCCESS;
@@ -58,7 +46,9 @@ const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialo
                                  "  --timeout MS   give up after MS milliseconds (1 to 60000); default: the\n"
                                  "                 product setting \"ResourceTestTimeout\", else 3000\n"
                                  "Exit status 0 when the resource was found, 1 when it was not.\n",
-                                 StoreUse::Read, runProbe});
+                                 StoreUse::Read, runProbe,
+                                 {{"--alias", "NAME", "the resource's alias, named in the text when it is found"},
+                                  millisecondsTimeout()}});
 
 }  // namespace
 }  // namespace braxcfg::tool

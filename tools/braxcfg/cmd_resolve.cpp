@@ -11,10 +11,7 @@
 namespace braxcfg::tool {
 namespace {
 
-int runResolve(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+int runResolve(const ParsedArgs& split) {
     if (split.operands.size() != 1 || split.operands[0].empty()) return fail("resolve needs exactly one NAME");
     const std::string& name = split.operands[0];
     {

@@ -55,14 +55,12 @@ int canonEach(const std::vector<std::string>& strings) {
     return allParsed ? 0 : 1;
 }
 
-int runRsrc(const Args& args) {
-    if (args.empty() || (args[0] != "dump" && args[0] != "canon"))
-        return fail("rsrc needs 'dump' or 'canon' (see braxcfg rsrc --help)");
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(Args(args.begin() + 1, args.end()), {}, {}, split, error)) return fail(error);
-    if (split.operands.empty()) return fail("rsrc " + args[0] + " needs at least one resource string");
-    const int rc = args[0] == "dump" ? dumpEach(split.operands) : canonEach(split.operands);
+int runRsrc(const ParsedArgs& args) {
+    const std::string action = args.operands.empty() ? std::string() : args.operands[0];
+    if (action != "dump" && action != "canon") return fail("rsrc needs 'dump' or 'canon' (see braxcfg rsrc --help)");
+    const std::vector<std::string> strings(args.operands.begin() + 1, args.operands.end());
+    if (strings.empty()) return fail("rsrc " + action + " needs at least one resource string");
+    const int rc = action == "dump" ? dumpEach(strings) : canonEach(strings);
     std::fflush(stdout);
     return rc;
 }

@@ -20,20 +20,8 @@ sigset_t stopSignals() {
     return signals;
 }
 
-int runSimulate(const Args& args) {
-    std::vector<std::string> listen;
-    Args rest;
-    // --listen may repeat, which splitArgs does not keep apart.
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--listen" && i + 1 < args.size()) {
-            listen.push_back(args[++i]);
-            continue;
-        }
-        rest.push_back(args[i]);
-    }
-    SplitArgs split;
+int runSimulate(const ParsedArgs& split) {
     std::string error;
-    if (!splitArgs(rest, {"--mdns"}, {"--listen"}, split, error)) return fail(error);
     if (split.operands.size() != 1) return fail("simulate needs exactly one lab FILE");
 
     visa::lan::sim::Lab lab = visa::lan::sim::readLab(split.operands[0]);
@@ -44,7 +32,7 @@ int runSimulate(const Args& args) {
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     visa::lan::sim::SimulatorOptions options;
-    options.listen = listen;
+    options.listen = optionValues(split, "--listen");
     options.mdns = hasOption(split, "--mdns");
     visa::lan::sim::Simulator simulator;
     if (!simulator.start(std::move(lab), options, error)) return fail(split.operands[0] + ": " + error);

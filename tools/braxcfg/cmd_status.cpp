@@ -26,12 +26,11 @@ bool parseStatus(const std::string& text, visa::ViStatus& status) {
     return true;
 }
 
-int runStatus(const Args& args) {
-    // A negative code looks like an option, so the one operand is taken as
-    // it is, with or without a "--" before it.
-    const bool marked = args.size() == 2 && args[0] == "--";
-    if (args.size() != 1 && !marked) return fail("status needs exactly one CODE");
-    const std::string& code = args.back();
+int runStatus(const ParsedArgs& args) {
+    // A negative code is an operand, not an option, with or without a "--"
+    // before it.
+    if (args.operands.size() != 1) return fail("status needs exactly one CODE");
+    const std::string& code = args.operands[0];
     visa::ViStatus status = 0;
     if (!parseStatus(code, status)) return fail("'" + code + "' is not a status (0xBFFF0011 or -1073807343)");
     const visa::StatusText* entry = visa::findStatusText(status);
