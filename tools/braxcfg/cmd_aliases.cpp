@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "loaded_aliases.h"
+#include "tool_json.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -13,6 +14,20 @@ namespace {
 using tcpip::AliasEntry;
 using tcpip::AList;
 
+
+Json optionalText(const AliasEntry::Text& text) { return text ? jsonText(*text) : Json(nullptr); }
+
+int printAliasesJson() {
+    LoadedAliases aliases;
+    Json list = Json::array();
+    aliases.list().reset();
+    while (const AliasEntry* entry = aliases.list().next())
+        list.push_back({{"alias", optionalText(entry->name())},
+                        {"resource", optionalText(entry->rsrcString())},
+                        {"korlAddress", optionalText(entry->korlAddress())}});
+    printJson(list);
+    return 0;
+}
 
 int listAliases() {
     LoadedAliases aliases;
@@ -67,7 +82,9 @@ int runAliases(const ParsedArgs& split) {
     const auto& words = split.operands;
     // Listing leaves no trace in the store; a change may make the store.
     if (const int rc = prepareStore(words.empty() ? StoreUse::ReadOnly : StoreUse::Write); rc != 0) return rc;
+    if (words.empty() && split.options.size() == 1 && hasOption(split, "--json")) return printAliasesJson();
     if (words.empty()) return split.options.empty() ? listAliases() : fail("options belong to 'aliases set'");
+    if (hasOption(split, "--json")) return fail("--json belongs to the listing");
     if (words[0] == "set" && words.size() == 2 && !words[1].empty()) return setAlias(words[1], split);
     if (words[0] == "remove" && words.size() == 2 && split.options.empty()) return removeAlias(words[1]);
     return fail("usage: braxcfg aliases [set NAME --resource R [--korl-address A] | remove NAME]");
@@ -84,7 +101,8 @@ const CommandRegistration kAliases(
      "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
      "alias from both lists.\n",
      StoreUse::None, runAliases,
-     {{"--resource", "R", "the alias's resource string (set)"},
+     {{"--json", nullptr, "list as JSON"},
+      {"--resource", "R", "the alias's resource string (set)"},
       {"--korl-address", "A", "the alias's KORL address (set); empty removes it"}}});
 
 }  // namespace

@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "command.h"
+#include "tool_json.h"
 #include "interface_keys.h"
 #include "dialogs/done_auto_config_logic.h"
 #include "platform/cp1252.h"
@@ -37,11 +37,9 @@ private:
     std::vector<std::string> found_;
 };
 
-std::string utf8(const std::string& text) { return platform::cp1252ToUtf8(text); }
-
-nlohmann::ordered_json jsonList(const std::vector<std::string>& names) {
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const std::string& name : names) list.push_back(utf8(name));
+Json jsonList(const std::vector<std::string>& names) {
+    Json list = Json::array();
+    for (const std::string& name : names) list.push_back(jsonText(name));
     return list;
 }
 
@@ -83,13 +81,13 @@ int runAutoconfig(const ParsedArgs& split) {
     const dialogs::AutoConfigResult result = dialogs::runAutoConfigSearch(intf, visaName, devices, report);
 
     if (hasOption(split, "--json")) {
-        nlohmann::ordered_json out = {{"interface", utf8(intf)},
-                              {"visaName", utf8(visaName)},
-                              {"known", jsonList(result.knownDevices)},
-                              {"new", jsonList(result.newDevices)},
-                              {"written", !dryRun},
-                              {"errors", jsonList(messages)}};
-        std::cout << out.dump(2) << "\n";
+        const Json out = {{"interface", jsonText(intf)},
+                          {"visaName", jsonText(visaName)},
+                          {"known", jsonList(result.knownDevices)},
+                          {"new", jsonList(result.newDevices)},
+                          {"written", !dryRun},
+                          {"errors", jsonList(messages)}};
+        printJson(out);
     } else {
         printText(intf, visaName, result, dryRun);
     }

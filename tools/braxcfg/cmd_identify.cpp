@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "tool_json.h"
 #include "visacore/lan/lan_query.h"
 #include "visacore/lan/lan_resource.h"
 #include "visacore/probe_timeout.h"
@@ -29,11 +30,15 @@ int runIdentify(const ParsedArgs& split) {
 
     std::string answer;
     const ViStatus status = visa::lan::queryLanResource(resource, visa::lan::kIdentificationQuery, options, answer);
+    if (hasOption(split, "--json"))
+        printJson({{"resource", jsonText(resource)},
+                   {"identification", status == visa::VI_SUCCESS ? Json(answer) : Json(nullptr)},
+                   {"status", jsonStatus(status)}});
     if (status != visa::VI_SUCCESS) {
         std::cerr << "braxcfg: " << resource << ": " << statusLine(status) << "\n";
         return 1;
     }
-    std::cout << answer << "\n";
+    if (!hasOption(split, "--json")) std::cout << answer << "\n";
     return 0;
 }
 
@@ -45,7 +50,8 @@ const CommandRegistration kIdentify({"identify", "ask a LAN instrument for its i
                                      "Exit status 0 when the instrument answered; 1 when it could not be\n"
                                      "reached or did not answer (the status on stderr, as the resource test\n"
                                      "reports it); 2 for a malformed RESOURCE or option.\n",
-                                     StoreUse::None, runIdentify, {millisecondsTimeout()}});
+                                     StoreUse::None, runIdentify,
+                                     {millisecondsTimeout(), {"--json", nullptr, "print JSON instead of the answer"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

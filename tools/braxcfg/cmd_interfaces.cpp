@@ -13,23 +13,23 @@
 #include "platform/store.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "tool_json.h"
 #include "tool_text.h"
 #include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
 namespace {
 
-void printJson(const std::vector<InterfaceRow>& rows) {
-    std::cout << "[";
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const InterfaceRow& row = rows[i];
-        std::cout << (i ? ",\n " : "\n ") << "{\"key\": " << jsonString(row.key)
-                  << ", \"visaName\": " << jsonString(row.visaName) << ", \"type\": " << jsonString(row.typeWord)
-                  << ", \"setUp\": " << (row.setUp ? "true" : "false") << ", \"autoConfig\": "
-                  << (row.hasAutoConfig ? std::to_string(row.autoConfig) : "null") << ", \"devices\": " << row.devices.size()
-                  << "}";
-    }
-    std::cout << (rows.empty() ? "]\n" : "\n]\n");
+void printRowsJson(const std::vector<InterfaceRow>& rows) {
+    Json list = Json::array();
+    for (const InterfaceRow& row : rows)
+        list.push_back({{"key", jsonText(row.key)},
+                        {"visaName", jsonText(row.visaName)},
+                        {"type", jsonText(row.typeWord)},
+                        {"setUp", row.setUp},
+                        {"autoConfig", row.hasAutoConfig ? Json(row.autoConfig) : Json(nullptr)},
+                        {"devices", row.devices.size()}});
+    printJson(list);
 }
 
 void printTable(const std::vector<InterfaceRow>& rows) {
@@ -95,7 +95,7 @@ int runInterfaces(const ParsedArgs& split) {
     if (!split.operands.empty()) return fail("interfaces takes no operands");
     const auto rows = readInterfaces();
     if (hasOption(split, "--json"))
-        printJson(rows);
+        printRowsJson(rows);
     else
         printTable(rows);
     return 0;

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "tool_json.h"
 #include "tcpip/resource_probe.h"
 #include "tool_text.h"
 #include "ui/testing/message_box_capture.h"
@@ -32,7 +33,14 @@ int runProbe(const ParsedArgs& split) {
     const int found = tcpip::TestResource(nullptr, optionValue(split, "--alias"), split.operands[0], control, &status);
     if (boxes.requests().empty()) return fail("the VISA resource manager could not be opened");
     const ui::MessageBoxRequest& box = boxes.requests().front();
-    std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n" << statusLine(status) << "\n";
+    if (hasOption(split, "--json"))
+        printJson({{"resource", jsonText(split.operands[0])},
+                   {"found", found == 1},
+                   {"caption", jsonText(box.caption)},
+                   {"text", jsonText(box.text)},
+                   {"status", jsonStatus(status)}});
+    else
+        std::cout << forStdout(box.caption) << "\n" << forStdout(box.text, "\n") << "\n" << statusLine(status) << "\n";
     return found == 1 ? 0 : 1;
 }
 
@@ -48,7 +56,7 @@ const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialo
                                  "Exit status 0 when the resource was found, 1 when it was not.\n",
                                  StoreUse::Read, runProbe,
                                  {{"--alias", "NAME", "the resource's alias, named in the text when it is found"},
-                                  millisecondsTimeout()}});
+                                  millisecondsTimeout(), {"--json", nullptr, "print JSON instead of the three parts"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

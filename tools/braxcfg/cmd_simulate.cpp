@@ -55,7 +55,9 @@ const CommandRegistration kSimulate({"simulate", "serve the LAN instruments of a
                                      "  --mdns         answer mDNS queries for the instruments' services\n"
                                      "Exit status 0 when stopped by a signal; 2 when the file or an address\n"
                                      "cannot be used (the file and line named).\n",
-                                     StoreUse::None, runSimulate});
+                                     StoreUse::None, runSimulate,
+                                    {{"--listen", "ADDR", "listen on ADDR (may repeat)", false, 0, 0, nullptr, true},
+                                     {"--mdns", nullptr, "announce the instruments over mDNS"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

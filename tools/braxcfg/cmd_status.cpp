@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "tool_json.h"
 #include "visacore/status_text.h"
 
 namespace braxcfg::tool {
@@ -33,6 +34,10 @@ int runStatus(const ParsedArgs& args) {
     const std::string& code = args.operands[0];
     visa::ViStatus status = 0;
     if (!parseStatus(code, status)) return fail("'" + code + "' is not a status (0xBFFF0011 or -1073807343)");
+    if (hasOption(args, "--json")) {
+        printJson(jsonStatus(status));
+        return 0;
+    }
     const visa::StatusText* entry = visa::findStatusText(status);
     char number[16];
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
@@ -47,7 +52,7 @@ const CommandRegistration kStatus({"status", "name and description of a VISA sta
                                    "(-1073807343). Prints the status's name and number on the first line and\n"
                                    "its standard description on the second; a code VISA does not define is\n"
                                    "named \"unknown status\" with a generic description.\n",
-                                   StoreUse::None, runStatus});
+                                   StoreUse::None, runStatus, {{"--json", nullptr, "print JSON instead of text"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool
