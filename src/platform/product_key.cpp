@@ -1,12 +1,10 @@
 #include "platform/product_key.h"
 
 #include <cstdint>
-#include <utility>
 
-#include "platform/debug_output.h"
-#include "platform/open_key.h"
 #include "platform/per_store_cache.h"
 #include "platform/store.h"
+#include "platform/store_key.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -15,10 +13,10 @@ constexpr const char* kLegacyProductPath = "SOFTWARE\\Brask-Merrow\\KORL";
 constexpr const char* kProductWordsPath = "SOFTWARE\\Tolvane\\Linkbase";
 constexpr std::uint32_t kWordBytes = 1024;
 
-std::string readText(const OpenKey& key, const std::string& name, std::uint32_t capacity) {
+std::string readText(const StoreKey& key, const std::string& name, std::uint32_t capacity) {
     RegType type = kRegNone;
     std::string bytes;
-    if (!queryInto(key, name, capacity, type, bytes)) return {};
+    if (!key.readInto(name, capacity, type, bytes)) return {};
     return textOf(bytes);
 }
 
@@ -26,30 +24,18 @@ std::string readText(const OpenKey& key, const std::string& name, std::uint32_t 
 // open-or-create and setString would (Registry itself opens below the
 // product key, so it cannot be used to find it).
 void writeProductWords(const std::string& maker, const std::string& product) {
-    StoreBackend& store = currentStore();
-    const RegAccess access = kKeyAllAccess | kKeyWow64_64Key;
-    HKey key = kNoKey;
-    if (store.openKey(kLocalMachine, kProductWordsPath, access, &key) != kErrorSuccess &&
-        store.createKey(kLocalMachine, kProductWordsPath, access, &key, nullptr) != kErrorSuccess) {
-        debugOutput(std::string("Error creating ") + kProductWordsPath + " key\n");
-        return;
-    }
-    for (const auto& [name, text] : {std::pair{"MfgName", &maker}, std::pair{"KeyName", &product}})
-        store.setValue(key, name, kRegSz, reinterpret_cast<const std::uint8_t*>(text->c_str()),
-                       static_cast<std::uint32_t>(text->size() + 1));
-    store.closeKey(key);
+    StoreKey key;
+    if (key.openOrCreate(kLocalMachine, kProductWordsPath, kKeyAllAccess | kKeyWow64_64Key) != kErrorSuccess) return;
+    key.setText("MfgName", maker);
+    key.setText("KeyName", product);
 }
 
 std::string computeProductKey() {
-    bool legacyInstallation = false;
-    {
-        OpenKey legacy(kLocalMachine, kLegacyProductPath, kKeyQueryValue);
-        legacyInstallation = static_cast<bool>(legacy);
-    }
+    const bool legacyInstallation = static_cast<bool>(StoreKey::opened(kLocalMachine, kLegacyProductPath, kKeyQueryValue));
     std::string maker;
     std::string product;
     {
-        OpenKey words(kLocalMachine, kProductWordsPath, kKeyQueryValue);
+        const StoreKey words = StoreKey::opened(kLocalMachine, kProductWordsPath, kKeyQueryValue);
         maker = readText(words, "MfgName", kWordBytes);
         product = readText(words, "KeyName", kWordBytes);
     }

@@ -6,10 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/open_key.h"
 #include "platform/per_store_cache.h"
 #include "platform/registry.h"
-#include "platform/store.h"
+#include "platform/store_key.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -41,22 +40,19 @@ long flagFromBytes(RegType type, const std::string& bytes, long defaultValue) {
 std::string listPath(const std::string& list) { return productKey() + "\\" + list; }
 
 bool writeListEntry(const std::string& list, const std::string& name, const std::string& text) {
-    Registry key(kLocalMachine, listPath(list), kRegOpenOrCreate);
-    if (!key.isOpen()) return false;
-    StoreBackend& store = currentStore();
-    if (text.empty()) return store.deleteValue(key.handle(), name.c_str()) == kErrorSuccess;
-    return store.setValue(key.handle(), name.c_str(), kRegSz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
-                          static_cast<std::uint32_t>(text.size() + 1)) == kErrorSuccess;
+    StoreKey key;
+    if (key.openOrCreate(kLocalMachine, listPath(list), kKeyAllAccess | kKeyWow64_64Key) != kErrorSuccess)
+        return false;
+    return (text.empty() ? key.deleteValue(name) : key.setText(name, text)) == kErrorSuccess;
 }
 
 }  // namespace
 
 long readProductFlag(const std::string& name, long defaultValue) {
-    OpenKey key(kLocalMachine, productKey(), kKeyQueryValue);
-    if (!key) return defaultValue;
+    const StoreKey key = StoreKey::opened(kLocalMachine, productKey(), kKeyQueryValue);
     RegType type = kRegNone;
     std::string bytes;
-    if (!queryInto(key, name, kFlagBytes, type, bytes)) return defaultValue;
+    if (!key.readInto(name, kFlagBytes, type, bytes)) return defaultValue;
     return flagFromBytes(type, bytes, defaultValue);
 }
 
@@ -86,19 +82,19 @@ std::uint32_t visaPresent() {
 std::string baseDir() {
     static PerStoreCache<std::string> cache;
     return cache.get([] {
-        OpenKey key(kLocalMachine, productKey(), kKeyAllAccess);
+        const StoreKey key = StoreKey::opened(kLocalMachine, productKey(), kKeyAllAccess);
         RegType type = kRegNone;
         std::string bytes;
-        if (!queryInto(key, "BaseDir", kBaseDirBytes, type, bytes)) return std::string(".");
+        if (!key.readInto("BaseDir", kBaseDirBytes, type, bytes)) return std::string(".");
         return textOf(bytes);
     });
 }
 
 std::string lookupDeviceList(const std::string& list, const std::string& name, const std::string& defaultText) {
-    OpenKey key(kLocalMachine, listPath(list), kKeyQueryValue);
+    const StoreKey key = StoreKey::opened(kLocalMachine, listPath(list), kKeyQueryValue);
     RegType type = kRegNone;
     std::string bytes;
-    if (queryInto(key, name, kListTextBytes, type, bytes)) return textOf(bytes);
+    if (key.readInto(name, kListTextBytes, type, bytes)) return textOf(bytes);
     if (list == kDevicesList && defaultText.empty()) return name;
     return defaultText;
 }
@@ -106,7 +102,7 @@ std::string lookupDeviceList(const std::string& list, const std::string& name, c
 bool enumDeviceList(const std::string& list, std::uint32_t index, std::string& name, std::string& text) {
     name.clear();
     text.clear();
-    OpenKey key(kLocalMachine, listPath(list), kKeyQueryValue);
+    const StoreKey key = StoreKey::opened(kLocalMachine, listPath(list), kKeyQueryValue);
     if (!key) return false;
     std::array<char, kListTextBytes> buffer{};
     std::uint32_t cch = kListTextBytes;

@@ -41,6 +41,7 @@ inline constexpr RegType kRegQword = 11;
 constexpr bool isTextType(RegType type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
 
 inline constexpr RegAccess kKeyQueryValue = 0x0001;
+inline constexpr RegAccess kKeyRead = 0x20019;  // values and subkeys: query, enumerate, notify
 inline constexpr RegAccess kKeyAllAccess = 0xF003F;
 inline constexpr RegAccess kKeyWow64_64Key = 0x0100;
 inline constexpr RegAccess kKeyWow64_32Key = 0x0200;

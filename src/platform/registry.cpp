@@ -6,8 +6,6 @@
 
 #include "platform/debug_output.h"
 #include "platform/product_key.h"
-#include "platform/store.h"
-#include "platform/store_tree.h"
 
 namespace braxcfg::platform {
 namespace {
@@ -20,48 +18,34 @@ RegAccess accessFor(RegView view) {
     return kKeyAllAccess | (view == RegView::View32 ? kKeyWow64_32Key : kKeyWow64_64Key);
 }
 
-const std::uint8_t* bytesOf(const void* p) { return static_cast<const std::uint8_t*>(p); }
-
 }  // namespace
 
-Registry::Registry(const std::string& subKey, RegState state, RegView view) : store_(currentStore()) {
-    const std::string path = productKey() + "\\" + subKey;
-    open(kLocalMachine, path, path, state, view);
+Registry::Registry(const std::string& subKey, RegState state, RegView view) {
+    open(kLocalMachine, productKey() + "\\" + subKey, state, view);
 }
 
-Registry::Registry(HKey parent, const std::string& path, RegState state, RegView view)
-    : store_(currentStore()) {
-    open(parent, path, path, state, view);
+Registry::Registry(HKey parent, const std::string& path, RegState state, RegView view) {
+    open(parent, path, state, view);
 }
 
-Registry::~Registry() {
-    if (key_ != kNoKey) store_.closeKey(key_);
-}
+Registry::~Registry() = default;
 
-void Registry::open(HKey parent, const std::string& path, const std::string& shownPath, RegState state,
-                    RegView view) {
+void Registry::open(HKey parent, const std::string& path, RegState state, RegView view) {
     const RegAccess access = accessFor(view);
-    HKey key = kNoKey;
-    if (state == kRegOpenOrCreate) {
-        if (store_.openKey(parent, path.c_str(), access, &key) != kErrorSuccess &&
-            store_.createKey(parent, path.c_str(), access, &key, nullptr) != kErrorSuccess) {
-            key = kNoKey;
-            debugOutput("Error creating " + shownPath + " key\n");
-        }
-    } else if (state == kRegOpenExisting) {
-        if (store_.openKey(parent, path.c_str(), access, &key) != kErrorSuccess) key = kNoKey;
-    } else {
+    if (state == kRegOpenOrCreate)
+        key_.openOrCreate(parent, path, access);
+    else if (state == kRegOpenExisting)
+        key_.open(parent, path, access);
+    else
         debugOutput("Invalid RegState to Registry::Registry\n");
-    }
-    key_ = key;
 }
 
 bool Registry::valueExists(const std::string& name) const {
-    if (key_ == kNoKey) return false;
+    if (!key_) return false;
     std::vector<char> buffer(kValueExistsNameChars);
     for (std::uint32_t index = 0;; ++index) {
         std::uint32_t cch = kValueExistsNameChars;
-        if (store_.enumValue(key_, index, buffer.data(), &cch, nullptr, nullptr, nullptr) != kErrorSuccess)
+        if (store().enumValue(key_.get(), index, buffer.data(), &cch, nullptr, nullptr, nullptr) != kErrorSuccess)
             return false;
         if (name == buffer.data()) return true;
     }
@@ -69,7 +53,7 @@ bool Registry::valueExists(const std::string& name) const {
 
 void Registry::enumKey(std::uint32_t index, std::string& out) const {
     std::array<char, kEnumNameChars> buffer{};
-    if (key_ != kNoKey && store_.enumKey(key_, index, buffer.data(), kEnumNameChars) == kErrorSuccess)
+    if (key_ && store().enumKey(key_.get(), index, buffer.data(), kEnumNameChars) == kErrorSuccess)
         out = buffer.data();
     else
         out.clear();
@@ -90,7 +74,7 @@ std::vector<std::string> Registry::subkeyNames() const {
 
 std::uint64_t Registry::subkeyStamp() const {
     std::uint64_t stamp = 0;
-    if (key_ == kNoKey || store_.queryInfoKey(key_, nullptr, &stamp) != kErrorSuccess) return 0;
+    if (!key_ || store().queryInfoKey(key_.get(), nullptr, &stamp) != kErrorSuccess) return 0;
     return stamp;
 }
 
@@ -98,8 +82,8 @@ void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) 
     std::array<char, kEnumNameChars> buffer{};
     std::uint32_t cch = kEnumNameChars;
     RegType found = kRegNone;
-    if (key_ != kNoKey &&
-        store_.enumValue(key_, index, buffer.data(), &cch, &found, nullptr, nullptr) == kErrorSuccess) {
+    if (key_ &&
+        store().enumValue(key_.get(), index, buffer.data(), &cch, &found, nullptr, nullptr) == kErrorSuccess) {
         name = buffer.data();
         type = found;
     } else {
@@ -108,23 +92,19 @@ void Registry::enumValue(std::uint32_t index, std::string& name, RegType& type) 
 }
 
 RegResult Registry::deleteTree(const std::string& subKey) const {
-    if (key_ == kNoKey) return kErrorInvalidHandle;
-    return deleteKeyTree(store_, key_, subKey);
+    if (!key_) return kErrorInvalidHandle;
+    return deleteKeyTree(store(), key_.get(), subKey);
 }
 
-void Registry::setString(const std::string& name, const std::string& value) const {
-    if (key_ == kNoKey) return;
-    store_.setValue(key_, name.c_str(), kRegSz, bytesOf(value.c_str()),
-                    static_cast<std::uint32_t>(value.size() + 1));
-}
+void Registry::setString(const std::string& name, const std::string& value) const { key_.setText(name, value); }
 
 void Registry::getString(const std::string& name, std::string& out) const {
     std::array<char, kStringReadBytes> buffer{};
-    if (key_ != kNoKey) {
+    if (key_) {
         RegType type = kRegNone;
         std::uint32_t cb = kStringReadBytes;
         // A value that does not fit leaves the zeroed buffer as it was.
-        store_.queryValue(key_, name.c_str(), &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &cb);
+        store().queryValue(key_.get(), name.c_str(), &type, reinterpret_cast<std::uint8_t*>(buffer.data()), &cb);
         buffer.back() = '\0';
     }
     out = buffer.data();
@@ -137,17 +117,16 @@ std::string Registry::getString(const std::string& name) const {
 }
 
 void Registry::setBool(const std::string& name, bool value) const {
-    if (key_ == kNoKey) return;
-    const std::uint8_t byte = value ? 1 : 0;
-    store_.setValue(key_, name.c_str(), kRegBinary, &byte, 1);
+    const char byte = value ? 1 : 0;
+    key_.setBytes(name, kRegBinary, std::string_view(&byte, 1));
 }
 
 void Registry::getBool(const std::string& name, int* out) const {
     std::uint8_t byte = 0;
-    if (key_ != kNoKey) {
+    if (key_) {
         RegType type = kRegNone;
         std::uint32_t cb = 1;
-        if (store_.queryValue(key_, name.c_str(), &type, &byte, &cb) != kErrorSuccess) byte = 0;
+        if (store().queryValue(key_.get(), name.c_str(), &type, &byte, &cb) != kErrorSuccess) byte = 0;
     }
     *out = byte != 0 ? 1 : 0;
 }
@@ -159,18 +138,17 @@ int Registry::getBool(const std::string& name) const {
 }
 
 void Registry::setDword(const std::string& name, std::uint32_t value) const {
-    if (key_ == kNoKey) return;
-    std::uint8_t bytes[4];
+    char bytes[sizeof value];
     std::memcpy(bytes, &value, sizeof bytes);
-    store_.setValue(key_, name.c_str(), kRegDword, bytes, sizeof bytes);
+    key_.setBytes(name, kRegDword, std::string_view(bytes, sizeof bytes));
 }
 
 void Registry::getDword(const std::string& name, std::uint32_t* out) const {
     std::uint32_t value = 0;
-    if (key_ != kNoKey) {
+    if (key_) {
         RegType type = kRegNone;
         std::uint32_t cb = sizeof value;
-        if (store_.queryValue(key_, name.c_str(), &type, reinterpret_cast<std::uint8_t*>(&value), &cb) !=
+        if (store().queryValue(key_.get(), name.c_str(), &type, reinterpret_cast<std::uint8_t*>(&value), &cb) !=
             kErrorSuccess)
             value = 0;
     }
@@ -178,17 +156,9 @@ void Registry::getDword(const std::string& name, std::uint32_t* out) const {
 }
 
 bool Registry::getRaw(const std::string& name, RegType& type, std::string& bytes) const {
-    if (key_ == kNoKey) return false;
-    std::uint32_t cb = 0;
-    if (store_.queryValue(key_, name.c_str(), &type, nullptr, &cb) != kErrorSuccess) return false;
-    bytes.assign(cb, '\0');
-    if (cb == 0) return true;
-    return store_.queryValue(key_, name.c_str(), &type, reinterpret_cast<std::uint8_t*>(bytes.data()), &cb) ==
-           kErrorSuccess;
+    return key_.readBytes(name, type, bytes);
 }
 
-void Registry::deleteValue(const std::string& name) const {
-    if (key_ != kNoKey) store_.deleteValue(key_, name.c_str());
-}
+void Registry::deleteValue(const std::string& name) const { key_.deleteValue(name); }
 
 }  // namespace braxcfg::platform

@@ -1,17 +1,16 @@
 #pragma once
-// Registry: one open key of the configuration store, with typed reads and
-// writes, enumeration and recursive deletion. A failed open leaves the
-// object empty: every read then gives its empty/zero value and every write
-// is skipped. Nothing throws.
+// Registry: one open key of the configuration store (held in a StoreKey),
+// with typed reads and writes, enumeration and recursive deletion. A failed
+// open leaves the object empty: every read then gives its empty/zero value
+// and every write is skipped. Nothing throws.
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "platform/reg_types.h"
+#include "platform/store_key.h"
 
 namespace braxcfg::platform {
-
-class StoreBackend;
 
 // How a Registry opens its key. Held as an int because callers may pass any
 // number; only 0 and 1 are accepted.
@@ -33,8 +32,8 @@ public:
     Registry(const Registry&) = delete;
     Registry& operator=(const Registry&) = delete;
 
-    bool isOpen() const { return key_ != kNoKey; }
-    HKey handle() const { return key_; }
+    bool isOpen() const { return static_cast<bool>(key_); }
+    HKey handle() const { return key_.get(); }
 
     // Exact, case-sensitive match over the enumerated value names (names up
     // to 1024 characters), unlike the store's own lookups.
@@ -72,11 +71,10 @@ public:
     void deleteValue(const std::string& name) const;
 
 private:
-    void open(HKey parent, const std::string& path, const std::string& shownPath, RegState state,
-              RegView view);
+    void open(HKey parent, const std::string& path, RegState state, RegView view);
+    StoreBackend& store() const { return key_.store(); }
 
-    StoreBackend& store_;
-    HKey key_ = kNoKey;
+    StoreKey key_;
 };
 
 }  // namespace braxcfg::platform

@@ -40,7 +40,8 @@ void copyData(const std::string& stored, RegType type, std::uint8_t* data, std::
 }  // namespace
 
 // One store operation that only reads: its own snapshot unless a held
-// transaction already provides one.
+// transaction already provides one. Made and ended with the backend's
+// mutex_ held by the caller.
 class ReadScope {
 public:
     explicit ReadScope(SqliteBackend& backend) : backend_(backend) {
@@ -71,7 +72,8 @@ private:
 // One store operation that writes: a transaction of its own holding the
 // write lock (waiting for other processes up to the busy timeout), or a
 // savepoint inside a held transaction, so a failed operation leaves nothing
-// half done either way.
+// half done either way. Made and ended with the backend's mutex_ held by
+// the caller.
 class WriteScope {
 public:
     explicit WriteScope(SqliteBackend& backend) : backend_(backend) {
@@ -188,7 +190,7 @@ HKey SqliteBackend::newHandle(std::int64_t id) {
     return handle;
 }
 
-SqliteBackend::OpenKey* SqliteBackend::openKeyOf(HKey key) {
+SqliteBackend::HandleState* SqliteBackend::handleStateOf(HKey key) {
     if (key == kLocalMachine) return &root_;
     const auto it = handles_.find(key);
     return it == handles_.end() ? nullptr : &it->second;
@@ -201,7 +203,7 @@ bool SqliteBackend::keyExists(std::int64_t id) {
 }
 
 RegResult SqliteBackend::keyIdOf(HKey key, std::int64_t* id) {
-    const OpenKey* open = openKeyOf(key);
+    const HandleState* open = handleStateOf(key);
     if (!open) return kErrorInvalidHandle;
     *id = open->id;
     return keyExists(open->id) ? kErrorSuccess : kErrorKeyDeleted;
@@ -460,7 +462,7 @@ const SubkeyLists::List* SqliteBackend::currentListOf(std::int64_t id) {
     return list != nullptr && list->dataVersion == dataVersion() ? list : nullptr;
 }
 
-RegResult SqliteBackend::currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list) {
+RegResult SqliteBackend::currentChildren(HandleState& open, std::uint32_t index, const SubkeyLists::List** list) {
     // An enumeration that goes on through this handle, with nothing
     // changed here since its last step, is served from the same list.
     const SubkeyLists::List* kept = subkeyLists_.find(open.id);
@@ -500,7 +502,7 @@ void SqliteBackend::forgetSubkeyListsSince(std::uint64_t keyChanges) {
 RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std::uint32_t cchName) {
     if (!name) return kErrorInvalidParameter;
     std::lock_guard lock(mutex_);
-    OpenKey* open = openKeyOf(key);
+    HandleState* open = handleStateOf(key);
     if (!open) return kErrorInvalidHandle;
     const SubkeyLists::List* list = nullptr;
     if (const RegResult rc = currentChildren(*open, index, &list); rc != kErrorSuccess) return rc;
@@ -515,7 +517,7 @@ RegResult SqliteBackend::enumKey(HKey key, std::uint32_t index, char* name, std:
 
 RegResult SqliteBackend::queryInfoKey(HKey key, std::uint32_t* subKeys, std::uint64_t* lastWriteTime) {
     std::lock_guard lock(mutex_);
-    OpenKey* open = openKeyOf(key);
+    HandleState* open = handleStateOf(key);
     if (!open) return kErrorInvalidHandle;
     const SubkeyLists::List* list = nullptr;
     if (const RegResult rc = currentChildren(*open, 0, &list); rc != kErrorSuccess) return rc;

@@ -45,7 +45,9 @@ private:
     friend class ReadScope;
     friend class WriteScope;
 
-    struct OpenKey {
+    // What the backend keeps for each handle it gave out: the key behind it
+    // (the handle's owner, a StoreKey, lives above the backend).
+    struct HandleState {
         std::int64_t id = 0;
         // An enumeration going on index by index through this handle: the
         // index that continues it and the list state it was served from.
@@ -68,7 +70,7 @@ private:
     // public call, or a scope object one created); none takes it.
 
     // Handles and keys. Caller holds mutex_.
-    OpenKey* openKeyOf(HKey key);
+    HandleState* handleStateOf(HKey key);
     RegResult keyIdOf(HKey key, std::int64_t* id);
     bool keyExists(std::int64_t id);
     HKey newHandle(std::int64_t id);
@@ -87,7 +89,7 @@ private:
     // The current list of `open`'s key. `index` is the index asked for: an
     // enumeration that goes on through the same handle is served from the
     // list it began with, without asking the file again.
-    RegResult currentChildren(OpenKey& open, std::uint32_t index, const SubkeyLists::List** list);
+    RegResult currentChildren(HandleState& open, std::uint32_t index, const SubkeyLists::List** list);
     RegResult loadChildren(std::int64_t id, std::int64_t version, const SubkeyLists::List** list);
     // The list of key `id` when it is kept and current in this snapshot.
     const SubkeyLists::List* currentListOf(std::int64_t id);
@@ -122,8 +124,8 @@ private:
     std::vector<HeldScope> scopes_;
     std::uint64_t keyChanges_ = 0;  // keys created or deleted by this process so far
     std::int64_t snapshotVersion_ = -1;  // the file's data version in this snapshot; -1 until read
-    std::unordered_map<HKey, OpenKey> handles_;
-    OpenKey root_;  // behind the predefined kLocalMachine
+    std::unordered_map<HKey, HandleState> handles_;
+    HandleState root_;  // behind the predefined kLocalMachine
     SubkeyLists subkeyLists_;
 };
 

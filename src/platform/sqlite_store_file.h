@@ -5,7 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/store.h"
+#include "platform/store_backend.h"
+#include "platform/store_status.h"
 
 namespace braxcfg::platform {
 

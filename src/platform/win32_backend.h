@@ -47,12 +47,18 @@ public:
 private:
     HKEY__* native(HKey key) const;
     // Path of an open key below root, for the journal ("" for root).
+    // Caller holds mutex_.
     std::string pathOf(HKey key);
+    // Caller holds mutex_.
     std::string pathBelow(HKey parent, const char* subKey);
 
     HKEY__* root_;
     bool ownsRoot_;
-    std::recursive_mutex mutex_;  // the journal and the paths of open keys
+    // Guards the journal and the paths of open keys. Each public call takes
+    // it once and calls no other public call while holding it, and the
+    // journal calls the registry directly, never back into this backend, so
+    // it need not be recursive.
+    std::mutex mutex_;
     std::unordered_map<HKey, std::string> paths_;
     UndoJournal journal_;
 };

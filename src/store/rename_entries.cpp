@@ -9,7 +9,7 @@
 
 #include "platform/debug_output.h"
 #include "platform/registry.h"
-#include "platform/store.h"
+#include "platform/store_key.h"
 #include "store/config_store.h"
 #include "store/list_rewrite.h"
 
@@ -44,21 +44,11 @@ std::string inLineName(const std::string& entry, const std::string& visaName) {
     return visaName + entry.substr(prefixEnd(entry));
 }
 
-// Calls fn(name, type) for every value of `key`, the default value and
-// long names included.
-template <typename Fn>
-void forEachValue(const Registry& key, Fn fn) {
-    if (!key.isOpen()) return;
-    platform::StoreBackend& store = platform::currentStore();
-    std::vector<char> name(platform::kMaxValueNameLength + 1);
-    for (std::uint32_t index = 0;; ++index) {
-        std::uint32_t cch = static_cast<std::uint32_t>(name.size());
-        platform::RegType type = platform::kRegNone;
-        if (store.enumValue(key.handle(), index, name.data(), &cch, &type, nullptr, nullptr) !=
-            platform::kErrorSuccess)
-            return;
-        fn(std::string(name.data(), cch), type);
-    }
+// Every value of `key` with its type, the default value and long names
+// included, read through a second handle on it.
+std::vector<platform::StoreKey::ValueName> valuesOf(const Registry& key) {
+    if (!key.isOpen()) return {};
+    return platform::StoreKey::opened(key.handle(), "", platform::kKeyQueryValue).valueNames();
 }
 
 // True when `key` has keys more than `levels` levels below it. Read level by
@@ -79,19 +69,10 @@ bool deeperThan(const Registry& key, std::size_t levels) {
     return false;
 }
 
-// Most entries have nothing left below them once their subkeys are renamed:
-// deleting the key alone spares the walk through its (empty) subkey list.
-platform::RegResult deleteEntry(const Registry& parent, const std::string& entry) {
-    if (parent.isOpen() &&
-        platform::currentStore().deleteKey(parent.handle(), entry.c_str()) == platform::kErrorSuccess)
-        return platform::kErrorSuccess;
-    return parent.deleteTree(entry);
-}
-
 // A renamed entry keeps its strings, flags and numbers; values of other
 // types are not the run time's and are left behind.
 void copyValuesByType(const Registry& from, const Registry& to) {
-    forEachValue(from, [&](const std::string& name, platform::RegType type) {
+    for (const auto& [name, type] : valuesOf(from)) {
         if (type == platform::kRegSz) {
             to.setString(name, from.getString(name));
         } else if (type == platform::kRegBinary) {
@@ -101,19 +82,19 @@ void copyValuesByType(const Registry& from, const Registry& to) {
             from.getDword(name, &number);
             to.setDword(name, number);
         }
-    });
+    }
 }
 
 // Copies `from` with everything below it into `to`, byte for byte.
 void copyTreeUnchanged(const Registry& from, const Registry& to) {
-    forEachValue(from, [&](const std::string& name, platform::RegType) {
-        platform::RegType type = platform::kRegNone;
-        std::string bytes;
-        if (!from.getRaw(name, type, bytes) || !to.isOpen()) return;
-        platform::currentStore().setValue(to.handle(), name.c_str(), type,
-                                          reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                                          static_cast<std::uint32_t>(bytes.size()));
-    });
+    if (to.isOpen()) {
+        const auto target = platform::StoreKey::opened(to.handle(), "", platform::kKeyAllAccess);
+        for (const auto& value : valuesOf(from)) {
+            platform::RegType type = platform::kRegNone;
+            std::string bytes;
+            if (from.getRaw(value.name, type, bytes)) target.setBytes(value.name, type, bytes);
+        }
+    }
     for (const std::string& child : from.subkeyNames())
         copyTreeUnchanged(Registry(from.handle(), child, kRegOpenExisting),
                           Registry(to.handle(), child, kRegOpenOrCreate));
@@ -182,7 +163,7 @@ private:
                 copyValuesByType(from, to);
                 repair(from, to, false);
             }
-            if (deleteEntry(source, entry) != platform::kErrorSuccess) {
+            if (source.deleteTree(entry) != platform::kErrorSuccess) {
                 result.stoppedAt = entry;
                 return result;
             }

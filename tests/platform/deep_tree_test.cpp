@@ -9,7 +9,7 @@
 #include "platform/registry.h"
 #include "platform/regfile/reg_export.h"
 #include "platform/regfile/reg_import.h"
-#include "platform/regfile/reg_ops.h"
+#include "platform/regfile/reg_parser.h"
 #include "platform/store.h"
 #include "store_test_access.h"
 #include "temp_store.h"

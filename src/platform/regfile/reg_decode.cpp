@@ -1,8 +1,6 @@
 #include "platform/regfile/reg_decode.h"
 
 #include "platform/cp1252.h"
-#include "platform/regfile/line_cursor.h"
-#include "platform/regfile/reg_grammar.h"
 
 namespace braxcfg::platform::regfile {
 namespace {

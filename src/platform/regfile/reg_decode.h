@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/regfile/reg_ops.h"
+#include "platform/regfile/reg_format.h"
 
 namespace braxcfg::platform::regfile {
 

@@ -2,17 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <vector>
 
-#include "platform/regfile/reg_path.h"
-#include "platform/regfile/store_key.h"
+#include "platform/regfile/reg_format.h"
 #include "platform/store.h"
+#include "platform/store_key.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
-
-constexpr RegAccess kKeyRead = 0x20019;  // KEY_READ
 
 class RegExporter {
 public:
@@ -42,13 +39,13 @@ private:
 // is refused, not written.
 bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
     struct Level {
-        std::unique_ptr<ScopedKey> owned;  // empty for the caller's key
+        StoreKey owned;  // empty for the caller's key
         HKey key;
         std::string path;
         std::uint32_t nextChild = 0;
     };
     std::vector<Level> levels;
-    levels.push_back(Level{nullptr, key, relativePath});
+    levels.push_back(Level{StoreKey(store_), key, relativePath});
     const std::size_t startDepth =
         relativePath.empty() ? 0 : 1 + static_cast<std::size_t>(std::count(relativePath.begin(), relativePath.end(), '\\'));
     writer_.key(relativePath);
@@ -70,11 +67,10 @@ bool RegExporter::exportKey(HKey key, const std::string& relativePath) {
             return false;
         }
         std::string childPath = level.path.empty() ? name.data() : level.path + "\\" + name.data();
-        auto child = std::make_unique<ScopedKey>(store_);
-        if (const RegResult opened = store_.openKey(level.key, name.data(), kKeyRead, child->receive());
-            opened != kErrorSuccess)
+        StoreKey child(store_);
+        if (const RegResult opened = child.open(level.key, name.data(), kKeyRead); opened != kErrorSuccess)
             return fail("open", childPath, opened);
-        const HKey childKey = child->get();
+        const HKey childKey = child.get();
         writer_.key(childPath);
         if (!exportValues(childKey, childPath)) return false;
         levels.push_back(Level{std::move(child), childKey, std::move(childPath)});
@@ -108,9 +104,8 @@ RegExportResult exportRegFile(StoreBackend& store, std::string_view keyPath, Reg
     if ((result.error = rootProblem(path))) return result;
     // Reads inside one transaction see one state of the store.
     StoreTransaction transaction(store);
-    ScopedKey start(store);
-    if (const RegResult opened = store.openKey(kLocalMachine, path.relative.c_str(), kKeyRead, start.receive());
-        opened != kErrorSuccess) {
+    StoreKey start(store);
+    if (const RegResult opened = start.open(kLocalMachine, path.relative, kKeyRead); opened != kErrorSuccess) {
         result.error = opened == kErrorFileNotFound ? "the key " + fullKeyPath(path.relative) + " does not exist"
                                                     : "cannot open " + fullKeyPath(path.relative) + ": " +
                                                           storeResultText(opened);

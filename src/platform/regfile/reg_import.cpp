@@ -1,10 +1,7 @@
 #include "platform/regfile/reg_import.h"
 
-#include "platform/regfile/reg_parser.h"
-#include "platform/regfile/reg_path.h"
-#include "platform/regfile/store_key.h"
 #include "platform/store.h"
-#include "platform/store_tree.h"
+#include "platform/store_key.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
@@ -24,16 +21,14 @@ private:
     }
 
     StoreBackend& store_;
-    ScopedKey current_;  // the key of the last [key] line
+    StoreKey current_;  // the key of the last [key] line
 };
 
 std::optional<RegError> RegImporter::apply(const RegOp& op) {
     const std::string& name = op.name;
     switch (op.kind) {
         case RegOpKind::CreateKey:
-            if (const RegResult r = store_.createKey(kLocalMachine, op.keyPath.c_str(), kKeyAllAccess,
-                                                     current_.receive(), nullptr);
-                r != kErrorSuccess)
+            if (const RegResult r = current_.create(kLocalMachine, op.keyPath, kKeyAllAccess); r != kErrorSuccess)
                 return refused(op, "create " + fullKeyPath(op.keyPath), r);
             return std::nullopt;
         case RegOpKind::DeleteKey:
@@ -47,15 +42,14 @@ std::optional<RegError> RegImporter::apply(const RegOp& op) {
             // the data is NUL; a byte that is not keeps the data exactly as
             // the file gave it (text without a terminator included).
             const std::string sentinelled = op.data + '\x01';
-            if (const RegResult r = store_.setValue(current_.get(), name.c_str(), op.type,
-                                                    reinterpret_cast<const std::uint8_t*>(sentinelled.data()),
-                                                    static_cast<std::uint32_t>(op.data.size()));
+            if (const RegResult r =
+                    current_.setBytes(name, op.type, std::string_view(sentinelled).substr(0, op.data.size()));
                 r != kErrorSuccess)
                 return refused(op, "set the value \"" + name + "\"", r);
             return std::nullopt;
         }
         case RegOpKind::DeleteValue:
-            if (const RegResult r = store_.deleteValue(current_.get(), name.c_str());
+            if (const RegResult r = current_.deleteValue(name);
                 r != kErrorSuccess && r != kErrorFileNotFound)
                 return refused(op, "delete the value \"" + name + "\"", r);
             return std::nullopt;

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/regfile/reg_ops.h"
+#include "platform/regfile/reg_parser.h"
 #include "platform/store_backend.h"
 
 namespace braxcfg::platform::regfile {

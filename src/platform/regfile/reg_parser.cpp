@@ -3,13 +3,47 @@
 #include <algorithm>
 
 #include "platform/cp1252.h"
-#include "platform/regfile/line_cursor.h"
 #include "platform/regfile/reg_decode.h"
-#include "platform/regfile/reg_grammar.h"
-#include "platform/regfile/reg_path.h"
 
 namespace braxcfg::platform::regfile {
 namespace {
+
+// A read position within one line.
+class LineCursor {
+public:
+    explicit LineCursor(std::string_view line) : line_(line) {}
+
+    bool atEnd() const { return pos_ >= line_.size(); }
+    // The character at the read position; NUL at the end.
+    char peek() const { return atEnd() ? '\0' : line_[pos_]; }
+    char next() { return atEnd() ? '\0' : line_[pos_++]; }
+    std::string_view rest() const { return line_.substr(pos_); }
+
+    void skipBlanks() {
+        while (!atEnd() && (line_[pos_] == ' ' || line_[pos_] == '\t')) ++pos_;
+    }
+    // Moves past `word` when the rest starts with it.
+    bool consume(std::string_view word) {
+        if (!rest().starts_with(word)) return false;
+        pos_ += word.size();
+        return true;
+    }
+    // Skips blanks; true when nothing or only a ";" comment remains.
+    bool atEndOrComment() {
+        skipBlanks();
+        return atEnd() || peek() == ';';
+    }
+    // The run of hex digits at the read position, moved past.
+    std::string_view takeHexDigits() {
+        const std::size_t start = pos_;
+        while (!atEnd() && isHexDigit(line_[pos_])) ++pos_;
+        return line_.substr(start, pos_ - start);
+    }
+
+private:
+    std::string_view line_;
+    std::size_t pos_ = 0;
+};
 
 // Quotes a piece of the offending text for a message, shortened so that a
 // runaway line does not flood the terminal. Built by appending: GCC 12 at

@@ -1,5 +1,6 @@
 #pragma once
-// Reading .reg text into the list of store operations it asks for.
+// Reading .reg text into the list of store operations it asks for, in
+// file order: the parser's output and the importer's input.
 //
 // The reader is strict where a lenient one would lose data silently: the
 // first line that breaks a rule below stops the parse with its line number
@@ -44,11 +45,42 @@
 //   be (reported at the line with the "\");
 // - hex(1), hex(2) or hex(7) after the version 5.00 header whose bytes are
 //   not UTF-16LE text of the store's code page (odd length included).
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
-#include "platform/regfile/reg_ops.h"
+#include "platform/reg_types.h"
+#include "platform/regfile/reg_format.h"
 
 namespace braxcfg::platform::regfile {
+
+// The header line decides how hex(1), hex(2) and hex(7) bytes are read:
+// narrow text after REGEDIT4, UTF-16LE after the version 5.00 header,
+// whatever encoding the file itself is in.
+enum class RegVersion { Regedit4, Version5 };
+
+enum class RegOpKind {
+    CreateKey,    // [path]: the key and its missing parents
+    DeleteKey,    // [-path]: the key with its whole subtree; a missing key is fine
+    SetValue,     // "name"=data or @=data, below the last [path]
+    DeleteValue,  // "name"=-, below the last [path]; a missing value is fine
+};
+
+struct RegOp {
+    RegOpKind kind = RegOpKind::CreateKey;
+    int line = 0;         // line of the file the operation starts on, from 1
+    std::string keyPath;  // below HKEY_LOCAL_MACHINE, one "\" between names; empty is the root
+    std::string name;     // value name; empty is the default value
+    RegType type = kRegNone;
+    std::string data;     // value bytes as the store keeps them (REG_SZ with its NUL)
+};
+
+struct RegParseResult {
+    RegVersion version = RegVersion::Version5;
+    std::vector<RegOp> ops;         // empty when error is set
+    std::optional<RegError> error;
+};
 
 // Parses text already in the store's narrow code page.
 RegParseResult parseRegText(std::string_view narrowText);

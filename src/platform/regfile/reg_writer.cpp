@@ -3,8 +3,7 @@
 #include <cstdio>
 
 #include "platform/cp1252.h"
-#include "platform/regfile/reg_grammar.h"
-#include "platform/regfile/reg_path.h"
+#include "platform/regfile/reg_format.h"
 
 namespace braxcfg::platform::regfile {
 namespace {

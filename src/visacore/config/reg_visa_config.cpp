@@ -1,13 +1,12 @@
 #include "visacore/config/reg_visa_config.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include "platform/registry.h"
-#include "platform/store.h"
+#include "platform/store_key.h"
 #include "platform/subkey_memo.h"
 #include "visacore/config/config_names.h"
 
@@ -43,12 +42,11 @@ namespace {
 std::vector<int> sortedIntfNumbers(const Registry& root) {
     std::vector<int> numbers;
     if (!root.isOpen()) return numbers;
-    std::array<char, platform::kMaxKeyNameLength + 1> name{};
-    for (std::uint32_t index = 0;
-         platform::currentStore().enumKey(root.handle(), index, name.data(), static_cast<std::uint32_t>(name.size())) ==
-         platform::kErrorSuccess;
-         ++index)
-        if (const auto number = intfNumberOf(name.data())) numbers.push_back(*number);
+    // Names of any length, through a second handle: the wrapper's own
+    // enumeration would stop at the first long name.
+    for (const std::string& name :
+         platform::StoreKey::opened(root.handle(), "", platform::kKeyRead).subkeyNames())
+        if (const auto number = intfNumberOf(name)) numbers.push_back(*number);
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }

@@ -1,4 +1,4 @@
-#include "platform/regfile/reg_path.h"
+#include "platform/regfile/reg_format.h"
 
 #include <array>
 
@@ -26,6 +26,19 @@ RootKind classifyRoot(std::string_view word) {
 }
 
 }  // namespace
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r' && text[i] != '\n') continue;
+        lines.push_back(text.substr(start, i - start));
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+        start = i + 1;
+    }
+    lines.push_back(text.substr(start));
+    return lines;
+}
 
 SplitKeyPath splitKeyPath(std::string_view fullPath) {
     SplitKeyPath split;
@@ -66,6 +79,36 @@ std::string fullKeyPath(std::string_view relative) {
         full += relative;
     }
     return full;
+}
+
+std::string describe(const RegError& error) {
+    if (error.line <= 0) return error.message;
+    return "line " + std::to_string(error.line) + ": " + error.message;
+}
+
+std::string storeResultText(RegResult result) {
+    switch (result) {
+        case kErrorFileNotFound:
+            return "not found";
+        case kErrorAccessDenied:
+            return "access denied";
+        case kErrorInvalidParameter:
+            return "invalid name or parameter";
+        case kErrorBadPathname:
+            return "bad path name";
+        case kErrorKeyDeleted:
+            return "the key was deleted";
+        case kErrorBadDatabase:
+            return "the store file is damaged";
+        case kErrorCantWrite:
+            return "the store cannot be written";
+        case kErrorBusy:
+            return "the store is busy";
+        case kErrorDiskFull:
+            return "the disk is full";
+        default:
+            return "store error " + std::to_string(result);
+    }
 }
 
 }  // namespace braxcfg::platform::regfile

@@ -1,0 +1,92 @@
+// The key holder under Registry: who closes a handle, what an empty holder
+// does, names of any length, and deleting a tree.
+#include "platform/store_key.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/store.h"
+#include "temp_store.h"
+
+namespace braxcfg::platform {
+namespace {
+
+// True while `key` is still an open handle of the store (closing it would
+// succeed). Asked through a read, so the handle stays as it is.
+bool stillOpen(HKey key) {
+    std::uint32_t subKeys = 0;
+    return currentStore().queryInfoKey(key, &subKeys, nullptr) == kErrorSuccess;
+}
+
+TEST(StoreKey, ClosesExactlyTheHandleItOwns) {
+    test::TempStore temp;
+    HKey first = kNoKey;
+    HKey second = kNoKey;
+    {
+        StoreKey a;
+        ASSERT_EQ(a.create(kLocalMachine, "SOFTWARE\\A", kKeyAllAccess), kErrorSuccess);
+        first = a.get();
+        StoreKey b(std::move(a));
+        EXPECT_FALSE(a) << "a moved-from holder owns nothing";
+        ASSERT_EQ(a.open(kLocalMachine, "SOFTWARE\\A", kKeyAllAccess), kErrorSuccess);
+        second = a.get();
+        b = std::move(a);
+        EXPECT_FALSE(stillOpen(first)) << "taking another key closes the one held";
+        EXPECT_EQ(b.setText("v", "x"), kErrorSuccess) << "the moved handle still works";
+        EXPECT_EQ(a.open(kLocalMachine, "SOFTWARE\\Missing", kKeyAllAccess), kErrorFileNotFound);
+        EXPECT_EQ(a.setText("v", "x"), kErrorInvalidHandle) << "a failed open leaves the holder empty";
+    }
+    EXPECT_FALSE(stillOpen(second)) << "closed when the holder went out of scope";
+}
+
+TEST(StoreKey, SeesNamesOfAnyLength) {
+    test::TempStore temp;
+    StoreKey key;
+    ASSERT_EQ(key.create(kLocalMachine, "SOFTWARE\\Names", kKeyAllAccess), kErrorSuccess);
+    const std::vector<std::string> keyNames = {std::string(80, 'a'), std::string(kMaxKeyNameLength, 'b'), "c"};
+    for (const std::string& name : keyNames) StoreKey(key.store()).create(key.get(), name, kKeyAllAccess);
+    EXPECT_EQ(key.subkeyNames(), keyNames);
+    const std::string longValue(2000, 'v');
+    ASSERT_EQ(key.setText(longValue, "abc"), kErrorSuccess);
+    const auto values = key.valueNames();
+    ASSERT_EQ(values.size(), 1u);
+    EXPECT_EQ(values[0].name, longValue);
+    EXPECT_EQ(values[0].type, kRegSz);
+}
+
+TEST(StoreKey, DeleteKeyTree) {
+    struct Case {
+        const char* what;
+        std::vector<std::string> made;  // below SOFTWARE\T
+        const char* deleted;
+        RegResult result;
+        std::vector<std::string> left;  // subkeys of SOFTWARE\T afterwards
+    };
+    const std::string longName(kMaxKeyNameLength, 'n');
+    const std::vector<Case> cases = {
+        {"a leaf", {"a", "b"}, "a", kErrorSuccess, {"b"}},
+        {"a tree, long names and values included", {"a\\x\\" + longName, "a\\y", "b"}, "a", kErrorSuccess, {"b"}},
+        {"a path of several names", {"a\\x\\y", "a\\z"}, "a\\x", kErrorSuccess, {"a"}},
+        {"a missing key", {"b"}, "a", kErrorFileNotFound, {"b"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        test::TempStore temp;
+        StoreKey root;
+        ASSERT_EQ(root.create(kLocalMachine, "SOFTWARE\\T", kKeyAllAccess), kErrorSuccess);
+        for (const std::string& path : c.made) {
+            StoreKey made;
+            ASSERT_EQ(made.create(root.get(), path, kKeyAllAccess), kErrorSuccess);
+            made.setText("v", path);
+        }
+        EXPECT_EQ(deleteKeyTree(root.store(), root.get(), c.deleted), c.result);
+        EXPECT_EQ(root.subkeyNames(), c.left);
+        EXPECT_FALSE(StoreKey::opened(root.get(), c.deleted, kKeyAllAccess));
+    }
+}
+
+}  // namespace
+}  // namespace braxcfg::platform
