@@ -38,12 +38,13 @@ TEST(OptionFormsTool, FormsAndMistakes) {
         {{"status", "--bogus"}, 2, "", "braxcfg: unknown option --bogus\n"},
         {{"discover", "--add"}, 2, "", "braxcfg: option --add needs a value\n"},
         {{"discover", "--add="}, 2, "", "braxcfg: option --add needs a value\n"},
+        {{"status", "--json=x", "0"}, 2, "", "braxcfg: option --json takes no value\n"},
         // A negative code is no option; after "--" nothing is.
         {{"status", "-1073807343"}, 0, "VI_ERROR_RSRC_NFOUND (0xBFFF0011)\n", ""},
         {{"--store", path, "rsrc", "canon", "--", "--json"}, 1, "\t\t0xBFFF0012\n", ""},
         {{"status", "--", "--help"}, 2, "", "braxcfg: '--help' is not a status (0xBFFF0011 or -1073807343)\n"},
         // Help per command, generated from its options, with its usage.
-        {{"resolve", "--help"}, 0, "usage: braxcfg resolve [--] NAME", ""},
+        {{"resolve", "--help"}, 0, "usage: braxcfg resolve [--json] [--] NAME", ""},
         {{"test", "-h"}, 0, "--timeout MS", ""},
         {{"--version", "status"}, 2, "", "braxcfg: --version takes no arguments\n"},
     };

@@ -92,7 +92,7 @@ int runAliases(const ParsedArgs& split) {
 
 const CommandRegistration kAliases(
     {"aliases", "list, set or remove the aliases of LAN resources",
-     "usage: braxcfg aliases\n"
+     "usage: braxcfg aliases [--json]\n"
      "       braxcfg aliases set NAME --resource R [--korl-address A]\n"
      "       braxcfg aliases remove NAME\n"
      "Without an action, lists every alias with its resource string (the\n"

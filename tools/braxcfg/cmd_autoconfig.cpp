@@ -102,11 +102,9 @@ const CommandRegistration kAutoconfig(
      "auto-configuration module, as the plug-in does without its dialogs: prints the devices\n"
      "known before and the new ones (newest first) and writes the new ones as device entries.\n"
      "On a terminal, each device is shown on stderr as it is found.\n"
-     "  --json     print {interface, visaName, known, new, written, errors} as JSON\n"
-     "  --dry-run  search and print, but write nothing\n"
      "Exit 0; 2 when the search ended with an error (the devices found before it are kept).\n",
      StoreUse::Read, runAutoconfig,
-     {{"--json", nullptr, "print the result as JSON"}, {"--dry-run", nullptr, "search and print, but write nothing"}}});
+     {{"--json", nullptr, "print {interface, visaName, known, new, written, errors} as JSON"}, {"--dry-run", nullptr, "search and print, but write nothing"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

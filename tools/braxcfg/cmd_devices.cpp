@@ -146,7 +146,7 @@ int runDevices(const ParsedArgs& split) {
 
 const CommandRegistration kDevices(
     {"devices", "list, add or clear an interface's device entries",
-     "usage: braxcfg devices INTF\n"
+     "usage: braxcfg devices INTF [--json]\n"
      "       braxcfg devices INTF add NAME [--class C]\n"
      "       braxcfg devices INTF clear\n"
      "Without an action, lists the device entries below INTF\\VISADev with their\n"

@@ -237,8 +237,7 @@ const CommandRegistration kDialog(
      "  tcpip-resource  the add/edit dialog of one LAN resource for a prefix such as\n"
      "              TCPIP0::, with the fields preset; prints the resource string and the\n"
      "              alias (an empty line when none) after OK; writes nothing\n"
-     "Exit 0 on OK or Continue, 1 on Cancel, 2 when the dialog cannot be opened.\n"
-     "--screenshot FILE  save the dialog as a PNG and close it at once (no display needed).\n",
+     "Exit 0 on OK or Continue, 1 on Cancel, 2 when the dialog cannot be opened.\n",
      StoreUse::None, runDialog,
      {{"--list", nullptr, "autoconfig: only add the new devices to an unseen device list"},
       {"--prefix", "PREFIX", "the interface prefix (new-device, tcpip-resource)"},
@@ -246,7 +245,7 @@ const CommandRegistration kDialog(
       {"--host", "H", "the preset host (tcpip-resource)"},
       {"--device", "D", "the preset device name (tcpip-resource)"},
       {"--alias", "A", "the preset alias (tcpip-resource)"},
-      {"--screenshot", "FILE", "save the dialog as a PNG and close it at once", true}}});
+      {"--screenshot", "FILE", "save the dialog as a PNG and close it at once (no display needed)", true}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -106,15 +106,13 @@ const CommandRegistration kDiscover({"discover", "find LAN instruments (VXI-11 b
                                      "_lxi._tcp (IPv4 and IPv6) at once, collects answers for S seconds\n"
                                      "(default 2), then asks each instrument for its identification.\n"
                                      "Each instrument is listed once with the methods that found it and\n"
-                                     "the resource strings it offers.\n"
-                                     "  --timeout S  how long to collect answers (up to 60 seconds)\n"
-                                     "  --json       print a JSON array instead of text\n"
-                                     "  --add INTF   add every resource found as a device entry of the TCPIP\n"
-                                     "               interface INTF (renumbered to its board), in one go\n",
+                                     "the resource strings it offers.\n",
                                      StoreUse::None, runDiscover,
-                                     {{"--timeout", "S", "how long to collect answers, in seconds"},
-                                      {"--json", nullptr, "print JSON instead of text"},
-                                      {"--add", "INTF", "add every resource found to the TCPIP interface INTF"}}});
+                                     {{"--timeout", "S", "how long to collect answers (up to 60 seconds)"},
+                                      {"--json", nullptr, "print a JSON array instead of text"},
+                                      {"--add", "INTF",
+                                       "add every resource found as a device entry of the TCPIP interface INTF "
+                                       "(renumbered to its board), in one go"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

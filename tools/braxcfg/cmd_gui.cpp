@@ -40,10 +40,9 @@ const CommandRegistration kGui({"gui", "the configuration window (the default wh
                                 "Opens the window that lists the store's interfaces with their devices:\n"
                                 "add, remove, edit (the plug-in's device lists), configure (how devices\n"
                                 "are found), import and export .reg files. Closing it ends the\n"
-                                "configuration pass (doVisaEndStuff).\n"
-                                "--screenshot FILE  save the window as a PNG and quit (no display needed).\n",
+                                "configuration pass (doVisaEndStuff).\n",
                                 StoreUse::Write, runGui,
-                                {{"--screenshot", "FILE", "save the window as a PNG and quit", true}}});
+                                {{"--screenshot", "FILE", "save the window as a PNG and quit (no display needed)", true}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -43,10 +43,10 @@ int runIdentify(const ParsedArgs& split) {
 }
 
 const CommandRegistration kIdentify({"identify", "ask a LAN instrument for its identification (*IDN?)",
-                                     "usage: braxcfg identify RESOURCE [--timeout MS]\n"
+                                     "usage: braxcfg identify RESOURCE [--timeout MS] [--json]\n"
                                      "Opens RESOURCE (TCPIP::host[::device][::INSTR] over VXI-11 or HiSLIP,\n"
                                      "or TCPIP::host::port::SOCKET), sends *IDN?, prints the answer and closes.\n"
-                                     "  --timeout MS   give up after MS milliseconds (1 to 60000); default 3000\n"
+                                     "Without --timeout it gives up after 3000 milliseconds.\n"
                                      "Exit status 0 when the instrument answered; 1 when it could not be\n"
                                      "reached or did not answer (the status on stderr, as the resource test\n"
                                      "reports it); 2 for a malformed RESOURCE or option.\n",

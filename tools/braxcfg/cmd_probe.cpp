@@ -45,14 +45,13 @@ int runProbe(const ParsedArgs& split) {
 }
 
 const CommandRegistration kTest({"test", "test a LAN resource as the TCPIP dialogs' Test button does",
-                                 "usage: braxcfg test RESOURCE [--alias NAME] [--timeout MS]\n"
+                                 "usage: braxcfg test RESOURCE [--alias NAME] [--timeout MS] [--json]\n"
                                  "Locates RESOURCE (TCPIP::host[::device][::INSTR] or\n"
                                  "TCPIP::host::port::SOCKET) and prints what the resource test would show:\n"
                                  "the caption on the first line, then the text, then the probe's status:\n"
                                  "its name, code and description (VI_ERROR_TMO (0xBFFF0015): ...).\n"
-                                 "  --alias NAME   the resource's alias, named in the text when it is found\n"
-                                 "  --timeout MS   give up after MS milliseconds (1 to 60000); default: the\n"
-                                 "                 product setting \"ResourceTestTimeout\", else 3000\n"
+                                 "Without --timeout it gives up after the product setting\n"
+                                 "\"ResourceTestTimeout\", else 3000 milliseconds.\n"
                                  "Exit status 0 when the resource was found, 1 when it was not.\n",
                                  StoreUse::Read, runProbe,
                                  {{"--alias", "NAME", "the resource's alias, named in the text when it is found"},

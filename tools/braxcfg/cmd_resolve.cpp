@@ -38,7 +38,7 @@ int runResolve(const ParsedArgs& split) {
 }
 
 const CommandRegistration kResolve({"resolve", "the resource string for an alias or a resource string",
-                                    "usage: braxcfg resolve [--] NAME\n"
+                                    "usage: braxcfg resolve [--json] [--] NAME\n"
                                     "Prints the resource string the alias NAME stands for (the \"VISADevices\"\n"
                                     "list; names ignore case), else the canonical form of NAME as a resource\n"
                                     "string (gpib0::7 gives GPIB0::7::INSTR).\n"

@@ -86,8 +86,8 @@ int runRsrc(const ParsedArgs& args) {
 }
 
 const CommandRegistration kRsrc({"rsrc", "parse resource strings: record dump or canonical forms",
-                                 "usage: braxcfg rsrc dump [--] STRING...\n"
-                                 "       braxcfg rsrc canon [--] STRING...\n"
+                                 "usage: braxcfg rsrc dump [--json] [--] STRING...\n"
+                                 "       braxcfg rsrc canon [--json] [--] STRING...\n"
                                  "dump parses each STRING and prints the whole parsed record.\n"
                                  "canon prints one line per STRING: canonical name, TAB, alternate name (empty\n"
                                  "when none), TAB, the parse status in hexadecimal (0xBFFF0012).\n"

@@ -50,14 +50,14 @@ const CommandRegistration kSimulate({"simulate", "serve the LAN instruments of a
                                      "Serves every TCPIP instrument of the lab FILE over VXI-11 (with a\n"
                                      "portmapper on port 111 when it can be had), HiSLIP and SOCKET, and\n"
                                      "answers VXI-11 portmapper broadcasts, until SIGINT or SIGTERM.\n"
-                                     "  --listen ADDR  serve every instrument at ADDR (numeric, repeatable)\n"
-                                     "                 instead of at the host of its resource string\n"
-                                     "  --mdns         answer mDNS queries for the instruments' services\n"
                                      "Exit status 0 when stopped by a signal; 2 when the file or an address\n"
                                      "cannot be used (the file and line named).\n",
                                      StoreUse::None, runSimulate,
-                                    {{"--listen", "ADDR", "listen on ADDR (may repeat)", false, 0, 0, nullptr, true},
-                                     {"--mdns", nullptr, "announce the instruments over mDNS"}}});
+                                    {{"--listen", "ADDR",
+                                      "serve every instrument at ADDR (numeric, repeatable) instead of at the host "
+                                      "of its resource string",
+                                      false, 0, 0, nullptr, true},
+                                     {"--mdns", nullptr, "answer mDNS queries for the instruments' services"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -47,7 +47,7 @@ int runStatus(const ParsedArgs& args) {
 }
 
 const CommandRegistration kStatus({"status", "name and description of a VISA status code",
-                                   "usage: braxcfg status CODE\n"
+                                   "usage: braxcfg status [--json] CODE\n"
                                    "CODE is hexadecimal with 0x (0xBFFF0011) or decimal, signed or not\n"
                                    "(-1073807343). Prints the status's name and number on the first line and\n"
                                    "its standard description on the second; a code VISA does not define is\n"

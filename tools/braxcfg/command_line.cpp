@@ -59,6 +59,12 @@ bool collect(const CommandOptions& declared, const std::vector<std::string>& mar
     for (const auto& [spec, option] : declared.options) {
         if (option->count() == 0) continue;
         if (spec->value == nullptr) {
+            // The parser takes "--json=x" as a flag with the value x.
+            for (const std::string& value : option->results())
+                if (value != "true") {
+                    error = std::string("option ") + spec->name + " takes no value";
+                    return false;
+                }
             out.options.push_back({spec->name, {}});
             continue;
         }
