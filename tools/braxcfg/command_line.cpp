@@ -108,6 +108,17 @@ std::string describe(const CLI::ParseError& error, const CLI::App& tool) {
     return message;
 }
 
+// "--name=" with nothing after it, which the parser would answer by taking
+// the next word as the value: the message for the first, or empty.
+std::string emptyValue(Args::const_iterator word, Args::const_iterator end) {
+    for (; word != end; ++word)
+        if (word->size() > 3 && word->rfind("--", 0) == 0 && word->back() == '=') {
+            const std::string name = word->substr(0, word->size() - 1);
+            return "option " + name + (name == "--store" ? " needs a file name, not an empty one" : " needs a value");
+        }
+    return {};
+}
+
 }  // namespace
 
 void printOverview(std::ostream& out) {
@@ -131,12 +142,7 @@ std::optional<int> readCommandLine(const Args& words, CommandLine& out) {
     // "--" ends the options: what follows it are the command's operands as
     // they are, so the parser sees only the words before it.
     const auto end = std::find(words.begin(), words.end(), "--");
-    // The parser would take the next word as the value of "--name=".
-    for (auto word = words.begin(); word != end; ++word)
-        if (word->size() > 3 && word->rfind("--", 0) == 0 && word->back() == '=') {
-            const std::string name = word->substr(0, word->size() - 1);
-            return fail("option " + name + (name == "--store" ? " needs a file name, not an empty one" : " needs a value"));
-        }
+    if (const std::string mistake = emptyValue(words.begin(), end); !mistake.empty()) return fail(mistake);
     CLI::App tool("the configuration tool that hosts the plug-in", "braxcfg");
     // --store may stand among a command's options too: what a command does
     // not know goes up to the tool.
