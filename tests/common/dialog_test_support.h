@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 #include <string>
 #include <vector>
@@ -53,6 +55,25 @@ inline std::string problems(const ui::ModalScript& script) {
     std::string all;
     for (const std::string& problem : script.problems()) all += problem + "\n";
     return all;
+}
+
+// A template's visible static texts.
+inline std::vector<std::string> templateLabels(QDialog& dialog) {
+    std::vector<std::string> texts;
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->isVisibleTo(&dialog)) texts.push_back(ui::toStdString(label->text()));
+    return texts;
+}
+
+// A template's buttons in creation order, the default one marked "*", hidden ones "(hidden)".
+inline std::vector<std::string> templateButtons(QDialog& dialog) {
+    std::vector<std::string> texts;
+    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
+        auto* push = qobject_cast<QPushButton*>(button);
+        texts.push_back(ui::toStdString(button->text()) + (push != nullptr && push->isDefault() ? "*" : "") +
+                        (button->isVisibleTo(&dialog) ? "" : " (hidden)"));
+    }
+    return texts;
 }
 
 }  // namespace braxcfg::test

@@ -10,6 +10,7 @@
 
 #include "dialogs/done_auto_config_logic.h"
 #include "lab_file.h"
+#include "scoped_env.h"
 #include "store/config_store.h"
 #include "store_builder.h"
 #include "temp_store.h"
@@ -22,19 +23,7 @@ using Names = std::vector<std::string>;
 
 const std::string kLab = std::string(BRAXCFG_EXAMPLES) + "/lab.ini";
 
-// Sets or (null) unsets an environment variable for one scope.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        value ? setenv(name, value, 1) : unsetenv(name);
-    }
-    ~ScopedEnv() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
-
-private:
-    const char* name_;
-    std::string old_;
-};
+using test::ScopedEnv;
 
 struct SourceCase {
     const char* name;

@@ -3,7 +3,6 @@
 // buttons that exist but are hidden.
 #include <gtest/gtest.h>
 
-#include <QPushButton>
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -25,25 +24,6 @@ using Texts = std::vector<std::string>;
 template <typename Dialog>
 std::unique_ptr<QDialog> make() {
     return std::make_unique<Dialog>(nullptr);
-}
-
-// The visible static texts.
-Texts labels(QDialog& dialog) {
-    Texts texts;
-    for (QLabel* label : dialog.findChildren<QLabel*>())
-        if (label->isVisibleTo(&dialog)) texts.push_back(ui::toStdString(label->text()));
-    return texts;
-}
-
-// The buttons in creation order, the default one marked "*", hidden ones "(hidden)".
-Texts buttons(QDialog& dialog) {
-    Texts texts;
-    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
-        auto* push = qobject_cast<QPushButton*>(button);
-        texts.push_back(ui::toStdString(button->text()) + (push != nullptr && push->isDefault() ? "*" : "") +
-                        (button->isVisibleTo(&dialog) ? "" : " (hidden)"));
-    }
-    return texts;
 }
 
 TEST(DialogTemplates, CaptionsTextsButtonsAndMnemonics) {
@@ -80,10 +60,10 @@ TEST(DialogTemplates, CaptionsTextsButtonsAndMnemonics) {
         const std::unique_ptr<QDialog> dialog = t.make();
         SCOPED_TRACE(t.caption);
         EXPECT_EQ(ui::toStdString(dialog->windowTitle()), t.caption);
-        const Texts shown = labels(*dialog);
+        const Texts shown = test::templateLabels(*dialog);
         for (const std::string& text : t.fixedTexts)
             EXPECT_NE(std::find(shown.begin(), shown.end(), text), shown.end()) << text;
-        EXPECT_EQ(buttons(*dialog), t.buttons);
+        EXPECT_EQ(test::templateButtons(*dialog), t.buttons);
     }
 }
 

@@ -9,9 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
+#include "file_bytes.h"
 #include "platform/debug_output.h"
 #include "platform/sqlite_db.h"
 #include "platform/sqlite_store_file.h"
@@ -24,16 +23,9 @@ namespace braxcfg::platform {
 namespace {
 
 namespace fs = std::filesystem;
+using test::readFile;
 using test::setString;
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void writeFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
+using test::writeFile;
 
 // An empty folder of its own for one test.
 std::string freshFolder(const std::string& name) {

@@ -4,29 +4,19 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "file_bytes.h"
 #include "temp_store.h"
 #include "tool_run.h"
 
 namespace {
 
+using braxcfg::test::readFile;
 using braxcfg::test::runTool;
 using braxcfg::test::ToolRun;
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-void writeFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
+using braxcfg::test::writeFile;
 
 // A folder of its own for each test: the store and the files it imports and
 // exports.

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <thread>
 
+#include "file_bytes.h"
 #include "temp_store.h"
 #include "tool_run.h"
 #include "x_session.h"
@@ -72,8 +73,7 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
     std::ifstream rc(dir + "/tool.rc");
     int code = -1;
     rc >> code;
-    std::ifstream toolOut(dir + "/tool.out");
-    const std::string toolText((std::istreambuf_iterator<char>(toolOut)), std::istreambuf_iterator<char>());
+    const std::string toolText = braxcfg::test::readFile(dir + "/tool.out");
     ASSERT_EQ(code, 0) << toolText;
 
     ASSERT_EQ(runTool(store, {"interfaces"}, &output), 0);
@@ -84,8 +84,7 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
               "GPIB0::5::3\n  GPIB0::5::3::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::9\n  GPIB0::9::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n");
     ASSERT_EQ(runTool(store, {"export", "--utf8", "--key", kProduct + "\\INTF0", dir + "/intf.reg"}), 0);
-    std::ifstream exported(dir + "/intf.reg");
-    const std::string reg((std::istreambuf_iterator<char>(exported)), std::istreambuf_iterator<char>());
+    const std::string reg = braxcfg::test::readFile(dir + "/intf.reg");
     EXPECT_NE(reg.find("\"VISAAutoConfig\"=hex:00"), std::string::npos) << reg;
     std::filesystem::remove_all(dir);
 }

@@ -10,6 +10,7 @@
 #include "platform/product_settings.h"
 #include "platform/registry.h"
 #include "visacore/system_visa.h"
+#include "scoped_env.h"
 #include "temp_store.h"
 
 namespace braxcfg::visa {
@@ -21,13 +22,9 @@ namespace fs = std::filesystem;
 // stays loaded under its path) and puts the working directory back.
 class ModuleLoaderTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        fs::remove_all(scratch_);
-        unsetenv("BRAXCFG_MODULE_PATH");
-    }
+    void SetUp() override { fs::remove_all(scratch_); }
     void TearDown() override {
         fs::current_path(previousDir_);
-        unsetenv("BRAXCFG_MODULE_PATH");
         fs::remove_all(scratch_);
     }
     // A copy of the fake modules built into `folder` ("both": libautocf.so
@@ -47,6 +44,7 @@ protected:
         return slot != nullptr ? reinterpret_cast<int (*)()>(slot)() : 0;
     }
 
+    const test::ScopedEnv noSearchPath_{"BRAXCFG_MODULE_PATH", nullptr};
     test::TempStore store_;  // "BaseDir" is "." unless a test writes it
     const fs::path previousDir_ = fs::current_path();
     const fs::path scratch_ = fs::path(test::testOutputDir("modules")) /

@@ -1,0 +1,25 @@
+#pragma once
+// Sets or (null) unsets an environment variable for one scope and puts the
+// earlier value back afterwards, so one test's choice of store, lab or
+// library never leaks into the next.
+#include <cstdlib>
+#include <string>
+
+namespace braxcfg::test {
+
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name)) old_ = old;
+        value ? setenv(name, value, 1) : unsetenv(name);
+    }
+    ~ScopedEnv() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    const char* name_;
+    std::string old_;
+};
+
+}  // namespace braxcfg::test
