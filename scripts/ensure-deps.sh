@@ -12,13 +12,14 @@ packages=(
   clang libclang-rt-14-dev llvm
   libtirpc-dev rpcbind rpcsvc-proto iproute2 util-linux
   python3-pyvisa
-  nlohmann-json3-dev xvfb xdotool
+  libcli11-dev nlohmann-json3-dev xvfb xdotool
   dpkg-dev file
 )
 if [ "${1:-}" = "--windows" ]; then
   # MinGW-w64 with POSIX threads (std::thread, std::mutex), and Wine to run
   # what it builds.
-  packages=(g++-mingw-w64-x86-64-posix wine wine64 cmake ninja-build googletest python3)
+  packages=(g++-mingw-w64-x86-64-posix wine wine64 cmake ninja-build googletest python3
+            libcli11-dev nlohmann-json3-dev)
 fi
 
 missing=()

@@ -21,7 +21,7 @@ expect() {
 expect "resolve" braxcfg res
 expect "--store --help --version" braxcfg --
 expect "INTF1 INTF12" braxcfg --store "$store" devices INTF1
-expect "--alias --timeout --help" braxcfg test --
+expect "--alias --json --timeout --help" braxcfg test --
 expect "dump canon" braxcfg rsrc ""
 expect "FILES" braxcfg --store x
 exit $failed

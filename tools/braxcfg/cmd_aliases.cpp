@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "loaded_aliases.h"
+#include "tool_json.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -13,6 +14,20 @@ namespace {
 using tcpip::AliasEntry;
 using tcpip::AList;
 
+
+Json optionalText(const AliasEntry::Text& text) { return text ? jsonText(*text) : Json(nullptr); }
+
+int printAliasesJson() {
+    LoadedAliases aliases;
+    Json list = Json::array();
+    aliases.list().reset();
+    while (const AliasEntry* entry = aliases.list().next())
+        list.push_back({{"alias", optionalText(entry->name())},
+                        {"resource", optionalText(entry->rsrcString())},
+                        {"korlAddress", optionalText(entry->korlAddress())}});
+    printJson(list);
+    return 0;
+}
 
 int listAliases() {
     LoadedAliases aliases;
@@ -34,7 +49,7 @@ int commitOrFail(AList& list) {
     return list.commit() == 0 ? 0 : fail("the store did not take the change; nothing was written");
 }
 
-int setAlias(const std::string& name, const SplitArgs& split) {
+int setAlias(const std::string& name, const ParsedArgs& split) {
     const std::string resource = optionValue(split, "--resource");
     if (resource.empty()) return fail("usage: braxcfg aliases set NAME --resource R [--korl-address A]");
     const bool hasKorl = hasOption(split, "--korl-address");
@@ -63,14 +78,13 @@ int removeAlias(const std::string& name) {
     return commitOrFail(aliases.list());
 }
 
-int runAliases(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--resource", "--korl-address"}, split, error)) return fail(error);
+int runAliases(const ParsedArgs& split) {
     const auto& words = split.operands;
     // Listing leaves no trace in the store; a change may make the store.
     if (const int rc = prepareStore(words.empty() ? StoreUse::ReadOnly : StoreUse::Write); rc != 0) return rc;
+    if (words.empty() && split.options.size() == 1 && hasOption(split, "--json")) return printAliasesJson();
     if (words.empty()) return split.options.empty() ? listAliases() : fail("options belong to 'aliases set'");
+    if (hasOption(split, "--json")) return fail("--json belongs to the listing");
     if (words[0] == "set" && words.size() == 2 && !words[1].empty()) return setAlias(words[1], split);
     if (words[0] == "remove" && words.size() == 2 && split.options.empty()) return removeAlias(words[1]);
     return fail("usage: braxcfg aliases [set NAME --resource R [--korl-address A] | remove NAME]");
@@ -78,7 +92,7 @@ int runAliases(const Args& args) {
 
 const CommandRegistration kAliases(
     {"aliases", "list, set or remove the aliases of LAN resources",
-     "usage: braxcfg aliases\n"
+     "usage: braxcfg aliases [--json]\n"
      "       braxcfg aliases set NAME --resource R [--korl-address A]\n"
      "       braxcfg aliases remove NAME\n"
      "Without an action, lists every alias with its resource string (the\n"
@@ -86,7 +100,10 @@ const CommandRegistration kAliases(
      "changes an alias (names ignore case); without --korl-address an existing\n"
      "KORL address is kept, and an empty one removes it. 'remove' deletes the\n"
      "alias from both lists.\n",
-     StoreUse::None, runAliases});
+     StoreUse::None, runAliases,
+     {{"--json", nullptr, "list as JSON"},
+      {"--resource", "R", "the alias's resource string (set)"},
+      {"--korl-address", "A", "the alias's KORL address (set); empty removes it"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

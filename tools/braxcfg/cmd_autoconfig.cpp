@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "command.h"
+#include "tool_json.h"
 #include "interface_keys.h"
 #include "dialogs/done_auto_config_logic.h"
 #include "platform/cp1252.h"
@@ -37,11 +37,9 @@ private:
     std::vector<std::string> found_;
 };
 
-std::string utf8(const std::string& text) { return platform::cp1252ToUtf8(text); }
-
-nlohmann::ordered_json jsonList(const std::vector<std::string>& names) {
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const std::string& name : names) list.push_back(utf8(name));
+Json jsonList(const std::vector<std::string>& names) {
+    Json list = Json::array();
+    for (const std::string& name : names) list.push_back(jsonText(name));
     return list;
 }
 
@@ -55,10 +53,7 @@ void printText(const std::string& intf, const std::string& visaName, const dialo
     if (result.newDevices.empty()) std::cout << "  none\n";
 }
 
-int runAutoconfig(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {"--json", "--dry-run"}, {}, split, error)) return fail(error);
+int runAutoconfig(const ParsedArgs& split) {
     if (split.operands.size() != 1) return fail("autoconfig needs one interface key name, such as INTF0");
     const std::string& intf = split.operands[0];
     const bool dryRun = hasOption(split, "--dry-run");
@@ -86,13 +81,13 @@ int runAutoconfig(const Args& args) {
     const dialogs::AutoConfigResult result = dialogs::runAutoConfigSearch(intf, visaName, devices, report);
 
     if (hasOption(split, "--json")) {
-        nlohmann::ordered_json out = {{"interface", utf8(intf)},
-                              {"visaName", utf8(visaName)},
-                              {"known", jsonList(result.knownDevices)},
-                              {"new", jsonList(result.newDevices)},
-                              {"written", !dryRun},
-                              {"errors", jsonList(messages)}};
-        std::cout << out.dump(2) << "\n";
+        const Json out = {{"interface", jsonText(intf)},
+                          {"visaName", jsonText(visaName)},
+                          {"known", jsonList(result.knownDevices)},
+                          {"new", jsonList(result.newDevices)},
+                          {"written", !dryRun},
+                          {"errors", jsonList(messages)}};
+        printJson(out);
     } else {
         printText(intf, visaName, result, dryRun);
     }
@@ -107,10 +102,9 @@ const CommandRegistration kAutoconfig(
      "auto-configuration module, as the plug-in does without its dialogs: prints the devices\n"
      "known before and the new ones (newest first) and writes the new ones as device entries.\n"
      "On a terminal, each device is shown on stderr as it is found.\n"
-     "  --json     print {interface, visaName, known, new, written, errors} as JSON\n"
-     "  --dry-run  search and print, but write nothing\n"
      "Exit 0; 2 when the search ended with an error (the devices found before it are kept).\n",
-     StoreUse::Read, runAutoconfig});
+     StoreUse::Read, runAutoconfig,
+     {{"--json", nullptr, "print {interface, visaName, known, new, written, errors} as JSON"}, {"--dry-run", nullptr, "search and print, but write nothing"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

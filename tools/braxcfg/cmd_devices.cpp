@@ -5,9 +5,11 @@
 
 #include "command.h"
 #include "interface_keys.h"
+#include "platform/cp1252.h"
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
+#include "tool_json.h"
 #include "tool_text.h"
 
 namespace braxcfg::tool {
@@ -38,7 +40,9 @@ std::string valueText(platform::RegType type, const std::string& bytes) {
     return "type " + std::to_string(type) + " hex:" + hexBytes(bytes);
 }
 
-void printValues(const std::string& keyPath) {
+// Calls `take` with the name, type and bytes of each value of the key.
+template <typename Take>
+void eachValue(const std::string& keyPath, Take take) {
     const platform::Registry key(keyPath, platform::kRegOpenExisting);
     std::string name;
     platform::RegType type = platform::kRegNone;
@@ -47,8 +51,40 @@ void printValues(const std::string& keyPath) {
         if (name.empty()) break;
         std::string bytes;
         key.getRaw(name, type, bytes);
-        std::cout << "    " << forStdout(name) << " = " << valueText(type, bytes) << "\n";
+        take(name, type, bytes);
     }
+}
+
+void printValues(const std::string& keyPath) {
+    eachValue(keyPath, [](const std::string& name, platform::RegType type, const std::string& bytes) {
+        std::cout << "    " << forStdout(name) << " = " << valueText(type, bytes) << "\n";
+    });
+}
+
+// A string value as its text, any other as the text listing shows it.
+Json valuesJson(const std::string& keyPath) {
+    Json values = Json::object();
+    eachValue(keyPath, [&values](const std::string& name, platform::RegType type, const std::string& bytes) {
+        values[platform::cp1252ToUtf8(name)] =
+            type == platform::kRegSz ? jsonText(bytes.c_str()) : Json(valueText(type, bytes));
+    });
+    return values;
+}
+
+int printDevicesJson(const store::ConfigStore& store, const std::string& intf) {
+    const platform::StoreTransaction snapshot;
+    Json devices = Json::array();
+    std::string device;
+    for (std::uint32_t index = 0; !(device = store.GetDeviceName(intf, index)).empty(); ++index) {
+        Json resources = Json::array();
+        std::string resource;
+        for (std::uint32_t r = 0; !(resource = store.GetDeviceRsrcName(intf, device, r)).empty(); ++r)
+            resources.push_back({{"name", jsonText(resource)},
+                                 {"values", valuesJson(intf + "\\VISADev\\" + device + "\\" + resource)}});
+        devices.push_back({{"name", jsonText(device)}, {"resources", std::move(resources)}});
+    }
+    printJson({{"interface", jsonText(intf)}, {"visaName", jsonText(store.GetVisaName(intf))}, {"devices", devices}});
+    return 0;
 }
 
 int listDevices(const store::ConfigStore& store, const std::string& intf) {
@@ -70,10 +106,7 @@ int listDevices(const store::ConfigStore& store, const std::string& intf) {
     return 0;
 }
 
-int runDevices(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--class"}, split, error)) return fail(error);
+int runDevices(const ParsedArgs& split) {
     const auto& words = split.operands;
     if (words.empty()) return fail("devices needs an interface key name, such as INTF0");
     // Listing leaves no trace in the store; an action changes it.
@@ -86,6 +119,9 @@ int runDevices(const Args& args) {
     const std::string action = words.size() > 1 ? words[1] : "";
     const std::string classFilter = optionValue(split, "--class");
     if (action != "add" && !classFilter.empty()) return fail("--class belongs to 'devices INTF add NAME'");
+    if (action.empty() && hasOption(split, "--json"))
+        return words.size() == 1 ? printDevicesJson(store, intf) : fail("unexpected operands");
+    if (hasOption(split, "--json")) return fail("--json belongs to the listing");
     if (action.empty()) return words.size() == 1 ? listDevices(store, intf) : fail("unexpected operands");
     if (action == "add") {
         if (words.size() != 3 || words[2].empty()) return fail("usage: braxcfg devices INTF add NAME [--class C]");
@@ -110,7 +146,7 @@ int runDevices(const Args& args) {
 
 const CommandRegistration kDevices(
     {"devices", "list, add or clear an interface's device entries",
-     "usage: braxcfg devices INTF\n"
+     "usage: braxcfg devices INTF [--json]\n"
      "       braxcfg devices INTF add NAME [--class C]\n"
      "       braxcfg devices INTF clear\n"
      "Without an action, lists the device entries below INTF\\VISADev with their\n"
@@ -118,7 +154,8 @@ const CommandRegistration kDevices(
      "GPIB0::22) with one resource entry per class of VISAInfo\\DefaultRsrcs that\n"
      "applies to the interface's type, or only class C. 'clear' removes every\n"
      "device entry of the interface.\n",
-     StoreUse::None, runDevices});
+     StoreUse::None, runDevices,
+     {{"--json", nullptr, "list as JSON"}, {"--class", "C", "only the resource class C (add)"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

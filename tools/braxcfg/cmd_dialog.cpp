@@ -63,7 +63,7 @@ struct Outcome {
 struct DialogInput {
     std::string value;
     bool list = false;
-    const SplitArgs* split = nullptr;  // for a dialog's further options
+    const ParsedArgs* split = nullptr;  // for a dialog's further options
 };
 
 Outcome openNewDevice(const DialogInput& input) {
@@ -170,12 +170,7 @@ int prepareInterface(const std::string& intf) {
     return 0;
 }
 
-int runDialog(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {"--list"}, {"--prefix", "--intf", "--host", "--device", "--alias", "--screenshot"}, split,
-                   error, {{"--screenshot"}}))
-        return fail(error);
+int runDialog(const ParsedArgs& split) {
     if (split.operands.empty())
         return fail("expected one dialog: new-device, choice, ready, devices, autoconfig, tcpip or tcpip-resource");
     const DialogKind* kind = nullptr;
@@ -242,9 +237,15 @@ const CommandRegistration kDialog(
      "  tcpip-resource  the add/edit dialog of one LAN resource for a prefix such as\n"
      "              TCPIP0::, with the fields preset; prints the resource string and the\n"
      "              alias (an empty line when none) after OK; writes nothing\n"
-     "Exit 0 on OK or Continue, 1 on Cancel, 2 when the dialog cannot be opened.\n"
-     "--screenshot FILE  save the dialog as a PNG and close it at once (no display needed).\n",
-     StoreUse::None, runDialog});
+     "Exit 0 on OK or Continue, 1 on Cancel, 2 when the dialog cannot be opened.\n",
+     StoreUse::None, runDialog,
+     {{"--list", nullptr, "autoconfig: only add the new devices to an unseen device list"},
+      {"--prefix", "PREFIX", "the interface prefix (new-device, tcpip-resource)"},
+      {"--intf", "VISANAME", "the interface's VISA name (choice, ready)"},
+      {"--host", "H", "the preset host (tcpip-resource)"},
+      {"--device", "D", "the preset device name (tcpip-resource)"},
+      {"--alias", "A", "the preset alias (tcpip-resource)"},
+      {"--screenshot", "FILE", "save the dialog as a PNG and close it at once (no display needed)", true}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

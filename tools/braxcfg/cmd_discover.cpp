@@ -4,9 +4,9 @@
 
 #include <cmath>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "command.h"
+#include "tool_json.h"
 #include "lan_device_entries.h"
 #include "visacore/status_text.h"
 #include "visacore/lan/lan_discovery.h"
@@ -35,12 +35,14 @@ std::vector<std::string> methodNames(unsigned methods) {
     return names;
 }
 
-void printJson(const std::vector<DiscoveredInstrument>& instruments) {
-    nlohmann::json list = nlohmann::json::array();
+// Instruments may answer in any encoding: printJson turns bytes that are
+// not UTF-8 into U+FFFD rather than making the output invalid.
+void printInstrumentsJson(const std::vector<DiscoveredInstrument>& instruments) {
+    Json list = Json::array();
     for (const DiscoveredInstrument& instrument : instruments) {
-        nlohmann::json entry{{"address", instrument.address},
-                             {"methods", methodNames(instrument.methods)},
-                             {"resources", instrument.resources}};
+        Json entry{{"address", instrument.address},
+                   {"methods", methodNames(instrument.methods)},
+                   {"resources", instrument.resources}};
         if (!instrument.name.empty()) entry["name"] = instrument.name;
         if (instrument.identifyStatus == visa::VI_SUCCESS)
             entry["identification"] = instrument.identification;
@@ -48,9 +50,7 @@ void printJson(const std::vector<DiscoveredInstrument>& instruments) {
             entry["identifyStatus"] = visa::statusCodeText(instrument.identifyStatus);
         list.push_back(std::move(entry));
     }
-    // Instruments may answer in any encoding: bytes that are not UTF-8
-    // become U+FFFD rather than making the output invalid.
-    std::cout << list.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+    printJson(list);
 }
 
 void printText(const std::vector<DiscoveredInstrument>& instruments) {
@@ -69,10 +69,7 @@ void printText(const std::vector<DiscoveredInstrument>& instruments) {
     if (instruments.empty()) std::cout << "no LAN instrument answered\n";
 }
 
-int runDiscover(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {"--json"}, {"--timeout", "--add"}, split, error)) return fail(error);
+int runDiscover(const ParsedArgs& split) {
     if (!split.operands.empty()) return fail("discover takes no operand");
     visa::lan::DiscoveryOptions options;
     if (hasOption(split, "--timeout") && !parseSeconds(optionValue(split, "--timeout"), options.timeout))
@@ -91,7 +88,7 @@ int runDiscover(const Args& args) {
     const std::vector<DiscoveredInstrument> instruments = visa::lan::discoverLanInstruments(options);
     if (progress) std::cerr << "\r\033[K" << std::flush;
     if (json)
-        printJson(instruments);
+        printInstrumentsJson(instruments);
     else
         printText(instruments);
     if (!hasOption(split, "--add")) return 0;
@@ -109,12 +106,13 @@ const CommandRegistration kDiscover({"discover", "find LAN instruments (VXI-11 b
                                      "_lxi._tcp (IPv4 and IPv6) at once, collects answers for S seconds\n"
                                      "(default 2), then asks each instrument for its identification.\n"
                                      "Each instrument is listed once with the methods that found it and\n"
-                                     "the resource strings it offers.\n"
-                                     "  --timeout S  how long to collect answers (up to 60 seconds)\n"
-                                     "  --json       print a JSON array instead of text\n"
-                                     "  --add INTF   add every resource found as a device entry of the TCPIP\n"
-                                     "               interface INTF (renumbered to its board), in one go\n",
-                                     StoreUse::None, runDiscover});
+                                     "the resource strings it offers.\n",
+                                     StoreUse::None, runDiscover,
+                                     {{"--timeout", "S", "how long to collect answers (up to 60 seconds)"},
+                                      {"--json", nullptr, "print a JSON array instead of text"},
+                                      {"--add", "INTF",
+                                       "add every resource found as a device entry of the TCPIP interface INTF "
+                                       "(renumbered to its board), in one go"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -18,10 +18,7 @@ namespace {
 constexpr int kExitNegative = 1;
 
 // The one interface key a command works on, checked; its exit code when refused.
-std::optional<int> takeInterface(const Args& args, const char* command, std::string& intf) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+std::optional<int> takeInterface(const ParsedArgs& split, const char* command, std::string& intf) {
     if (split.operands.size() != 1)
         return fail(std::string(command) + " needs one interface key name, such as INTF0");
     intf = split.operands[0];
@@ -30,7 +27,7 @@ std::optional<int> takeInterface(const Args& args, const char* command, std::str
 
 int noDisplay(const char* command) { return fail(std::string(command) + " opens a dialog: no display (set DISPLAY)"); }
 
-int runEdit(const Args& args) {
+int runEdit(const ParsedArgs& args) {
     std::string intf;
     if (const auto refused = takeInterface(args, "edit", intf)) return *refused;
     Plugin plugin;
@@ -47,7 +44,7 @@ int runEdit(const Args& args) {
     return 0;
 }
 
-int runConfigure(const Args& args) {
+int runConfigure(const ParsedArgs& args) {
     std::string intf;
     if (const auto refused = takeInterface(args, "configure", intf)) return *refused;
     // The choice flow has no export: the tool runs the plug-in's own code.

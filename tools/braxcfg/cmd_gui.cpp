@@ -12,10 +12,7 @@
 namespace braxcfg::tool {
 namespace {
 
-int runGui(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {"--screenshot"}, split, error)) return fail(error);
+int runGui(const ParsedArgs& split) {
     if (!split.operands.empty()) return fail("gui takes no operands");
     const std::string screenshot = optionValue(split, "--screenshot");
     // A picture needs no display.
@@ -43,9 +40,9 @@ const CommandRegistration kGui({"gui", "the configuration window (the default wh
                                 "Opens the window that lists the store's interfaces with their devices:\n"
                                 "add, remove, edit (the plug-in's device lists), configure (how devices\n"
                                 "are found), import and export .reg files. Closing it ends the\n"
-                                "configuration pass (doVisaEndStuff).\n"
-                                "--screenshot FILE  save the window as a PNG and quit (no display needed).\n",
-                                StoreUse::Write, runGui});
+                                "configuration pass (doVisaEndStuff).\n",
+                                StoreUse::Write, runGui,
+                                {{"--screenshot", "FILE", "save the window as a PNG and quit (no display needed)", true}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

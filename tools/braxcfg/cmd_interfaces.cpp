@@ -13,23 +13,23 @@
 #include "platform/store.h"
 #include "plugin.h"
 #include "store/config_store.h"
+#include "tool_json.h"
 #include "tool_text.h"
 #include "visacore/config/reg_visa_config.h"
 
 namespace braxcfg::tool {
 namespace {
 
-void printJson(const std::vector<InterfaceRow>& rows) {
-    std::cout << "[";
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const InterfaceRow& row = rows[i];
-        std::cout << (i ? ",\n " : "\n ") << "{\"key\": " << jsonString(row.key)
-                  << ", \"visaName\": " << jsonString(row.visaName) << ", \"type\": " << jsonString(row.typeWord)
-                  << ", \"setUp\": " << (row.setUp ? "true" : "false") << ", \"autoConfig\": "
-                  << (row.hasAutoConfig ? std::to_string(row.autoConfig) : "null") << ", \"devices\": " << row.devices.size()
-                  << "}";
-    }
-    std::cout << (rows.empty() ? "]\n" : "\n]\n");
+void printRowsJson(const std::vector<InterfaceRow>& rows) {
+    Json list = Json::array();
+    for (const InterfaceRow& row : rows)
+        list.push_back({{"key", jsonText(row.key)},
+                        {"visaName", jsonText(row.visaName)},
+                        {"type", jsonText(row.typeWord)},
+                        {"setUp", row.setUp},
+                        {"autoConfig", row.hasAutoConfig ? Json(row.autoConfig) : Json(nullptr)},
+                        {"devices", row.devices.size()}});
+    printJson(list);
 }
 
 void printTable(const std::vector<InterfaceRow>& rows) {
@@ -48,7 +48,7 @@ void printTable(const std::vector<InterfaceRow>& rows) {
     std::cout.flush();
 }
 
-int runAdd(const SplitArgs& split) {
+int runAdd(const ParsedArgs& split) {
     if (split.operands.size() != 2) return fail("usage: braxcfg interfaces add TYPE [--board N] [--socket]");
     NewInterface request;
     request.type = split.operands[1];
@@ -71,13 +71,11 @@ int runAdd(const SplitArgs& split) {
 }
 
 // interfaces add | remove: the store must be writable, unlike for the overview.
-int runInterfaceChange(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    const bool adding = args[0] == "add";
-    if (!splitArgs(args, adding ? std::vector<std::string>{"--socket"} : std::vector<std::string>{},
-                   adding ? std::vector<std::string>{"--board"} : std::vector<std::string>{}, split, error))
-        return fail(error);
+int runInterfaceChange(const ParsedArgs& split) {
+    const bool adding = split.operands[0] == "add";
+    for (const GivenOption& given : split.options)
+        if (given.name == "--json" || !adding)
+            return fail("option " + given.name + " does not go with 'interfaces " + split.operands[0] + "'");
     if (!platform::currentStoreStatus().writable)
         return fail("the store " + platform::currentStoreStatus().path + " is not writable by this user");
     if (adding) return runAdd(split);
@@ -87,28 +85,24 @@ int runInterfaceChange(const Args& args) {
     return 0;
 }
 
-int runInterfaces(const Args& args) {
-    SplitArgs split;
-    std::string error;
+int runInterfaces(const ParsedArgs& split) {
     // The overview leaves no trace in the store; a change may make the store.
-    const bool changes = !args.empty() && (args[0] == "add" || args[0] == "remove");
+    const bool changes = !split.operands.empty() && (split.operands[0] == "add" || split.operands[0] == "remove");
     if (const int rc = prepareStore(changes ? StoreUse::Write : StoreUse::ReadOnly); rc != 0) return rc;
-    if (changes) return runInterfaceChange(args);
-    if (!splitArgs(args, {"--json"}, {}, split, error)) return fail(error);
+    if (changes) return runInterfaceChange(split);
+    if (hasOption(split, "--board") || hasOption(split, "--socket"))
+        return fail("--board and --socket belong to 'interfaces add'");
     if (!split.operands.empty()) return fail("interfaces takes no operands");
     const auto rows = readInterfaces();
     if (hasOption(split, "--json"))
-        printJson(rows);
+        printRowsJson(rows);
     else
         printTable(rows);
     return 0;
 }
 
 // Calls one export of the loaded plug-in with the interface key name.
-int runPredicate(const Args& args, const char* exportName, bool printsResult) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+int runPredicate(const ParsedArgs& split, const char* exportName, bool printsResult) {
     if (split.operands.size() != 1) return fail(std::string("expected one interface key name, such as INTF0"));
     if (const auto refused = refuseInterfaceKey(split.operands[0])) return *refused;
     Plugin plugin;
@@ -136,22 +130,25 @@ const CommandRegistration kInterfaces({"interfaces", "list, add or remove the st
                                        "free one), INSTR resources or with --socket SOCKET ones, sets it up through\n"
                                        "the plug-in (setupVisaIntf) and prints the new key. A VISA name already in\n"
                                        "use is refused. 'remove' deletes the key INTF with everything below it.\n",
-                                       StoreUse::None, runInterfaces});
+                                       StoreUse::None, runInterfaces,
+                                       {{"--json", nullptr, "print JSON instead of the table"},
+                                        {"--board", "N", "add: the board number (0 to 65535)"},
+                                        {"--socket", nullptr, "add: SOCKET resources instead of INSTR"}}});
 const CommandRegistration kValid({"valid", "is the interface a valid VISA interface (plug-in export)",
                                   "usage: braxcfg valid INTF\nPrints 1 or 0, as isValidVisaIntf answers.\n",
-                                  StoreUse::Read, [](const Args& a) { return runPredicate(a, "isValidVisaIntf", true); }});
+                                  StoreUse::Read, [](const ParsedArgs& a) { return runPredicate(a, "isValidVisaIntf", true); }});
 const CommandRegistration kIsSetup({"is-setup", "has the plug-in set the interface up (plug-in export)",
                                     "usage: braxcfg is-setup INTF\nPrints 1 or 0, as isVisaIntfSetup answers.\n",
                                     StoreUse::Read,
-                                    [](const Args& a) { return runPredicate(a, "isVisaIntfSetup", true); }});
+                                    [](const ParsedArgs& a) { return runPredicate(a, "isVisaIntfSetup", true); }});
 const CommandRegistration kEditable({"editable", "may the interface's devices be edited (plug-in export)",
                                      "usage: braxcfg editable INTF\nPrints 1 or 0, as isVisaIntfEditable answers.\n",
                                      StoreUse::Read,
-                                     [](const Args& a) { return runPredicate(a, "isVisaIntfEditable", true); }});
+                                     [](const ParsedArgs& a) { return runPredicate(a, "isVisaIntfEditable", true); }});
 const CommandRegistration kStart({"start", "call doVisaStartStuff for the interface (plug-in export)",
                                   "usage: braxcfg start INTF\nCalls doVisaStartStuff; prints nothing.\n",
                                   StoreUse::Read,
-                                  [](const Args& a) { return runPredicate(a, "doVisaStartStuff", false); }});
+                                  [](const ParsedArgs& a) { return runPredicate(a, "doVisaStartStuff", false); }});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -14,10 +14,8 @@ namespace {
 
 using platform::regfile::RegTextEncoding;
 
-int runImport(const Args& args) {
-    SplitArgs split;
+int runImport(const ParsedArgs& split) {
     std::string error;
-    if (!splitArgs(args, {}, {}, split, error, {{}, true})) return fail(error);
     if (split.operands.size() != 1) return fail("import needs exactly one FILE");
     const std::string& path = split.operands[0];
     std::string bytes;
@@ -27,10 +25,8 @@ int runImport(const Args& args) {
     return 0;
 }
 
-int runExport(const Args& args) {
-    SplitArgs split;
+int runExport(const ParsedArgs& split) {
     std::string error;
-    if (!splitArgs(args, {"--utf8"}, {"--key"}, split, error, {{}, true})) return fail(error);
     if (split.operands.size() > 1) return fail("export takes at most one FILE");
     const RegTextEncoding encoding = hasOption(split, "--utf8") ? RegTextEncoding::Utf8 : RegTextEncoding::Utf16;
     const auto result = platform::regfile::exportRegFile(platform::currentStore(), optionValue(split, "--key"), encoding);
@@ -52,7 +48,7 @@ const CommandRegistration kImport(
      "Windows Registry Editor Version 5.00 (UTF-16LE with byte order mark, or UTF-8).\n"
      "Only HKEY_LOCAL_MACHINE is stored. The first malformed line is reported with its\n"
      "number and nothing is imported.\n",
-     StoreUse::Write, runImport});
+     StoreUse::Write, runImport, {}, true});
 
 const CommandRegistration kExport(
     {"export", "write the store as a .reg file",
@@ -61,7 +57,10 @@ const CommandRegistration kExport(
      "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane) with everything below it, as .reg text:\n"
      "UTF-16LE with byte order mark and CRLF line ends, as Windows writes it, or with\n"
      "--utf8 UTF-8 without byte order mark and LF line ends. Standard output when no FILE.\n",
-     StoreUse::ReadOnly, runExport});
+     StoreUse::ReadOnly, runExport,
+     {{"--key", "PATH", "only the key PATH with everything below it"},
+      {"--utf8", nullptr, "UTF-8 without byte order mark and LF line ends"}},
+     true});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -46,10 +46,7 @@ std::vector<std::string> passInterfaces() {
     return intfs;
 }
 
-int runSetup(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+int runSetup(const ParsedArgs& split) {
     if (split.operands.size() != 1) return fail("setup needs one interface key name, such as INTF0");
     if (const auto refused = refuseInterfaceKey(split.operands[0])) return *refused;
     Plugin plugin;
@@ -61,10 +58,7 @@ int runSetup(const Args& args) {
     return checkWritten({split.operands[0]});
 }
 
-int runEndPass(const Args& args) {
-    SplitArgs split;
-    std::string error;
-    if (!splitArgs(args, {}, {}, split, error)) return fail(error);
+int runEndPass(const ParsedArgs& split) {
     if (!split.operands.empty()) return fail("end-pass takes no operands");
     Plugin plugin;
     if (!plugin.loaded()) return fail(plugin.error());

@@ -20,20 +20,8 @@ sigset_t stopSignals() {
     return signals;
 }
 
-int runSimulate(const Args& args) {
-    std::vector<std::string> listen;
-    Args rest;
-    // --listen may repeat, which splitArgs does not keep apart.
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--listen" && i + 1 < args.size()) {
-            listen.push_back(args[++i]);
-            continue;
-        }
-        rest.push_back(args[i]);
-    }
-    SplitArgs split;
+int runSimulate(const ParsedArgs& split) {
     std::string error;
-    if (!splitArgs(rest, {"--mdns"}, {"--listen"}, split, error)) return fail(error);
     if (split.operands.size() != 1) return fail("simulate needs exactly one lab FILE");
 
     visa::lan::sim::Lab lab = visa::lan::sim::readLab(split.operands[0]);
@@ -44,7 +32,7 @@ int runSimulate(const Args& args) {
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     visa::lan::sim::SimulatorOptions options;
-    options.listen = listen;
+    options.listen = optionValues(split, "--listen");
     options.mdns = hasOption(split, "--mdns");
     visa::lan::sim::Simulator simulator;
     if (!simulator.start(std::move(lab), options, error)) return fail(split.operands[0] + ": " + error);
@@ -62,12 +50,14 @@ const CommandRegistration kSimulate({"simulate", "serve the LAN instruments of a
                                      "Serves every TCPIP instrument of the lab FILE over VXI-11 (with a\n"
                                      "portmapper on port 111 when it can be had), HiSLIP and SOCKET, and\n"
                                      "answers VXI-11 portmapper broadcasts, until SIGINT or SIGTERM.\n"
-                                     "  --listen ADDR  serve every instrument at ADDR (numeric, repeatable)\n"
-                                     "                 instead of at the host of its resource string\n"
-                                     "  --mdns         answer mDNS queries for the instruments' services\n"
                                      "Exit status 0 when stopped by a signal; 2 when the file or an address\n"
                                      "cannot be used (the file and line named).\n",
-                                     StoreUse::None, runSimulate});
+                                     StoreUse::None, runSimulate,
+                                    {{"--listen", "ADDR",
+                                      "serve every instrument at ADDR (numeric, repeatable) instead of at the host "
+                                      "of its resource string",
+                                      false, 0, 0, nullptr, true},
+                                     {"--mdns", nullptr, "answer mDNS queries for the instruments' services"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

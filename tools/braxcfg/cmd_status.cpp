@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "command.h"
+#include "tool_json.h"
 #include "visacore/status_text.h"
 
 namespace braxcfg::tool {
@@ -26,14 +27,17 @@ bool parseStatus(const std::string& text, visa::ViStatus& status) {
     return true;
 }
 
-int runStatus(const Args& args) {
-    // A negative code looks like an option, so the one operand is taken as
-    // it is, with or without a "--" before it.
-    const bool marked = args.size() == 2 && args[0] == "--";
-    if (args.size() != 1 && !marked) return fail("status needs exactly one CODE");
-    const std::string& code = args.back();
+int runStatus(const ParsedArgs& args) {
+    // A negative code is an operand, not an option, with or without a "--"
+    // before it.
+    if (args.operands.size() != 1) return fail("status needs exactly one CODE");
+    const std::string& code = args.operands[0];
     visa::ViStatus status = 0;
     if (!parseStatus(code, status)) return fail("'" + code + "' is not a status (0xBFFF0011 or -1073807343)");
+    if (hasOption(args, "--json")) {
+        printJson(jsonStatus(status));
+        return 0;
+    }
     const visa::StatusText* entry = visa::findStatusText(status);
     char number[16];
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
@@ -43,12 +47,12 @@ int runStatus(const Args& args) {
 }
 
 const CommandRegistration kStatus({"status", "name and description of a VISA status code",
-                                   "usage: braxcfg status CODE\n"
+                                   "usage: braxcfg status [--json] CODE\n"
                                    "CODE is hexadecimal with 0x (0xBFFF0011) or decimal, signed or not\n"
                                    "(-1073807343). Prints the status's name and number on the first line and\n"
                                    "its standard description on the second; a code VISA does not define is\n"
                                    "named \"unknown status\" with a generic description.\n",
-                                   StoreUse::None, runStatus});
+                                   StoreUse::None, runStatus, {{"--json", nullptr, "print JSON instead of text"}}});
 
 }  // namespace
 }  // namespace braxcfg::tool

@@ -6,6 +6,7 @@
 
 #include "platform/store.h"
 #include "tool_text.h"
+#include "visacore/probe_timeout.h"
 
 namespace braxcfg::tool {
 namespace {
@@ -13,20 +14,6 @@ namespace {
 std::vector<Command>& table() {
     static std::vector<Command> commands;
     return commands;
-}
-
-bool contains(const std::vector<std::string>& list, const std::string& word) {
-    return std::find(list.begin(), list.end(), word) != list.end();
-}
-
-// An argument as the command sees it: system text unless it names a file.
-bool take(const std::string& word, bool isPath, std::vector<std::string>& into, std::string& error) {
-    into.emplace_back();
-    if (isPath) {
-        into.back() = word;
-        return true;
-    }
-    return toSystemText(word, into.back(), error);
 }
 
 }  // namespace
@@ -59,40 +46,27 @@ int fail(const std::string& message) {
     return kExitError;
 }
 
-bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
-               SplitArgs& out, std::string& error, const PathArgs& paths) {
-    out = {};
-    bool optionsEnded = false;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& word = args[i];
-        if (optionsEnded || word.size() < 2 || word[0] != '-') {
-            if (!take(word, paths.operands, out.operands, error)) return false;
-        } else if (word == "--") {
-            optionsEnded = true;
-        } else if (contains(flags, word)) {
-            out.options.push_back(word);
-        } else if (contains(valued, word)) {
-            if (i + 1 >= args.size()) {
-                error = "option " + word + " needs a value";
-                return false;
-            }
-            out.options.push_back(word);
-            if (!take(args[++i], contains(paths.options, word), out.options, error)) return false;
-        } else {
-            error = "unknown option " + word;
-            return false;
-        }
-    }
-    return true;
+OptionSpec millisecondsTimeout() {
+    static const std::string range = "takes milliseconds from 1 to " + std::to_string(visa::kMaxProbeTimeout.count());
+    return {"--timeout", "MS", "give up after MS milliseconds", false, 1, visa::kMaxProbeTimeout.count(), range.c_str()};
 }
 
-std::string optionValue(const SplitArgs& split, const std::string& name) {
-    for (std::size_t i = 0; i + 1 < split.options.size(); ++i)
-        if (split.options[i] == name) return split.options[i + 1];
-    return {};
+std::string optionValue(const ParsedArgs& args, const std::string& name) {
+    const std::vector<std::string> values = optionValues(args, name);
+    return values.empty() ? std::string() : values.back();
 }
 
-bool hasOption(const SplitArgs& split, const std::string& name) { return contains(split.options, name); }
+bool hasOption(const ParsedArgs& args, const std::string& name) {
+    return std::any_of(args.options.begin(), args.options.end(),
+                       [&](const GivenOption& given) { return given.name == name; });
+}
+
+std::vector<std::string> optionValues(const ParsedArgs& args, const std::string& name) {
+    std::vector<std::string> values;
+    for (const GivenOption& given : args.options)
+        if (given.name == name) values.push_back(given.value);
+    return values;
+}
 
 }  // namespace braxcfg::tool
 

@@ -19,14 +19,47 @@ enum class StoreUse {
 
 using Args = std::vector<std::string>;
 
+// One option a command accepts. A flag has no value; a valued option takes
+// "--name VALUE" or "--name=VALUE".
+struct OptionSpec {
+    const char* name;   // "--timeout"
+    const char* value;  // its value's name in the help ("MS"), nullptr for a flag
+    const char* help;   // one line for the command's help
+    bool path = false;  // the value names a file and stays as the system gave it
+    // A whole number from min to max, checked while the arguments are read;
+    // `rangeText` ("takes milliseconds from 1 to 60000") says so when it is
+    // not. No check when rangeText is nullptr.
+    long long min = 0;
+    long long max = 0;
+    const char* rangeText = nullptr;
+    bool repeats = false;  // may be given more than once
+};
+
+// A command's arguments after reading: the options given, in order, with
+// their values (empty for a flag), and the operands. "--" ends the
+// options; after it every argument is an operand, even an empty one or one
+// that starts with "-". Values and operands are system text (cp1252, see
+// tool_text.h) except those that name files.
+struct GivenOption {
+    std::string name;  // "--timeout"
+    std::string value;
+};
+
+struct ParsedArgs {
+    std::vector<GivenOption> options;
+    std::vector<std::string> operands;
+};
+
 struct Command {
     const char* name;     // first word: "import", "rsrc", ...
     const char* summary;  // one line for the overview
-    const char* usage;    // full --help text, options included
+    const char* usage;    // the forms and what the command does, for --help
     StoreUse store;
-    // Receives the arguments after the command name, without --store.
+    // Receives the arguments after the command word, without --store.
     // Returns the exit code.
-    int (*run)(const Args& args);
+    int (*run)(const ParsedArgs& args);
+    std::vector<OptionSpec> options = {};
+    bool operandPaths = false;  // the operands name files
 };
 
 class CommandRegistration {
@@ -45,30 +78,14 @@ int fail(const std::string& message);
 // kExitError after saying why the store cannot be used.
 int prepareStore(StoreUse use, const std::string& path = "");
 
-// "--" ends the options; after it every argument is an operand, even an
-// empty one or one that starts with "-".
-struct SplitArgs {
-    std::vector<std::string> options;   // "--x" words before "--", with their values in place
-    std::vector<std::string> operands;  // everything else, in order
-};
+// --timeout MS: milliseconds from 1 to the longest a LAN probe may wait.
+OptionSpec millisecondsTimeout();
 
-// Arguments that name files: they stay as the system gave them, while every
-// other operand and option value becomes system text (cp1252, see
-// tool_text.h).
-struct PathArgs {
-    std::vector<std::string> options;  // options whose value is a path
-    bool operands = false;             // the operands are paths
-};
-
-// Separates options from operands. `valued` lists the options that take a
-// value ("--key"); their value is the next word. Unknown options, and an
-// argument that cannot be system text, are an error reported through
-// `error`.
-bool splitArgs(const Args& args, const std::vector<std::string>& flags, const std::vector<std::string>& valued,
-               SplitArgs& out, std::string& error, const PathArgs& paths = {});
-// The value of a valued option, or empty/false when absent.
-std::string optionValue(const SplitArgs& split, const std::string& name);
-bool hasOption(const SplitArgs& split, const std::string& name);
+// The value of a valued option (its last one), or empty/false when absent.
+std::string optionValue(const ParsedArgs& args, const std::string& name);
+bool hasOption(const ParsedArgs& args, const std::string& name);
+// Every value of a repeatable option, in order.
+std::vector<std::string> optionValues(const ParsedArgs& args, const std::string& name);
 
 }  // namespace braxcfg::tool
 

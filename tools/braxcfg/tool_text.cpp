@@ -52,22 +52,4 @@ std::string padded(std::string utf8, std::size_t width) {
     return utf8;
 }
 
-std::string jsonString(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        const char32_t cp = platform::cp1252ToUnicode(static_cast<unsigned char>(c));
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
-        } else if (isControl(cp)) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(cp));
-            out += escaped;
-        } else {
-            out += platform::cp1252ToUtf8(std::string_view(&c, 1));
-        }
-    }
-    return out + "\"";
-}
-
 }  // namespace braxcfg::tool

@@ -26,8 +26,5 @@ std::string forStderr(std::string_view text, std::string_view keep = {});
 // `utf8` padded with blanks to `width` characters (not bytes), for columns.
 std::string padded(std::string utf8, std::size_t width);
 
-// System text as a JSON string literal, quotes included: always valid
-// UTF-8, with ", \ and every control character escaped.
-std::string jsonString(std::string_view text);
 
 }  // namespace braxcfg::tool
