@@ -1,8 +1,9 @@
 #pragma once
 // Sets or (null) unsets an environment variable for one scope and puts the
-// earlier value back afterwards, so one test's choice of store, lab or
-// library never leaks into the next.
+// earlier value back afterwards (an empty one too), so one test's choice of
+// store, lab or library never leaks into the next.
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 namespace braxcfg::test {
@@ -11,15 +12,15 @@ class ScopedEnv {
 public:
     ScopedEnv(const char* name, const char* value) : name_(name) {
         if (const char* old = std::getenv(name)) old_ = old;
-        value ? setenv(name, value, 1) : unsetenv(name);
+        value ? ::setenv(name, value, 1) : ::unsetenv(name);
     }
-    ~ScopedEnv() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
+    ~ScopedEnv() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
     ScopedEnv(const ScopedEnv&) = delete;
     ScopedEnv& operator=(const ScopedEnv&) = delete;
 
 private:
     const char* name_;
-    std::string old_;
+    std::optional<std::string> old_;
 };
 
 }  // namespace braxcfg::test

@@ -66,4 +66,9 @@ ToolRun runToolAs(const std::vector<std::string>& args, const ToolOptions& optio
 
 ToolRun runTool(const std::vector<std::string>& args) { return runToolAs(args, ToolOptions{}); }
 
+ToolRun runToolOn(const std::string& store, std::vector<std::string> args) {
+    args.insert(args.begin(), {"--store", store});
+    return runTool(args);
+}
+
 }  // namespace braxcfg::test

@@ -18,6 +18,8 @@ struct ToolRun {
 
 // The tool's standard output, standard error and exit code.
 ToolRun runTool(const std::vector<std::string>& args);
+// The same, with "--store `store`" in front of `args`.
+ToolRun runToolOn(const std::string& store, std::vector<std::string> args);
 
 // How runToolAs starts the tool: as another user, with another umask, with
 // environment variables set (empty values too).

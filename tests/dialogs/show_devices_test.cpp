@@ -3,7 +3,6 @@
 #include "dialogs/show_devices.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QCheckBox>
 
@@ -14,6 +13,7 @@
 #include "fake_autocf.h"
 #include "store/config_store.h"
 #include "store/device_list_write.h"
+#include "store_write_lock.h"
 #include "tree_text.h"
 #include "ui/testing/message_box_capture.h"
 
@@ -185,9 +185,8 @@ TEST_F(ShowDevicesTest, CancelInTheReadyDialogNeverLoadsTheModule) {
 // Another process holds the store's write lock for longer than the bounded
 // wait: OK writes nothing, says so, and the user keeps the list.
 TEST_F(ShowDevicesTest, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(file_.path().c_str(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    test::StoreWriteLock other(file_.path());
+    ASSERT_TRUE(other.held());
     const std::string before = test::treeText("INTF0");
     const int result = run([&](CShowDevices& dialog) {
         test::press(dialog, "&Add device");
@@ -195,10 +194,9 @@ TEST_F(ShowDevicesTest, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_EQ(dialog.m_deviceList.count(), 4);
         EXPECT_EQ(test::treeText("INTF0"), before);
-        sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+        other.release();
         test::press(dialog, "OK");
     }, [this] { expectNewDevice("24"); });
-    sqlite3_close(other);
     EXPECT_EQ(result, ui::kIdOk);
     ASSERT_EQ(boxes_.texts().size(), 1u);
     EXPECT_EQ(boxes_.texts()[0], platform::storeFailureMessage(platform::StoreFailure::Busy));

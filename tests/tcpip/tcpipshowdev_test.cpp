@@ -4,10 +4,10 @@
 #include "tcpip/tcpipshowdev.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include "tcpip_dialog_support.h"
 #include "tcpip/lan_device_writes.h"
+#include "store_write_lock.h"
 
 namespace braxcfg::tcpip {
 namespace {
@@ -213,21 +213,20 @@ TEST_F(TcpipShowDev, RemoveFromTheBottomUpAndCancelWritesNothing) {
 TEST_F(TcpipShowDev, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
     putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n");
     const std::string before = treeText("");
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(store_.path().c_str(), &other), SQLITE_OK);
+    std::optional<test::StoreWriteLock> other;  // taken once the list is open
     ListRun run;
     openList(run, [&](tcpipshowdev& dialog) {
         addStep(run.script, "n", "", std::string("new"));
         press(dialog, "&Add device");
-        ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        other.emplace(store_.path());
+        ASSERT_TRUE(other->held());
         press(dialog, "&OK");  // waits out the store's bounded wait, then gives up
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_EQ(run.boxes.texts(), Entries{platform::storeFailureMessage(platform::StoreFailure::Busy)});
-        sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+        other.reset();
         EXPECT_EQ(treeText(""), before);
         press(dialog, "&OK");  // the lock is gone: the same list is written
     });
-    sqlite3_close(other);
     EXPECT_EQ(run.result, kIdOk);
     EXPECT_EQ(treeText("VISADevices"), "[]\n\"new\"=\"TCPIP0::n::inst0::INSTR\"\n");
     EXPECT_EQ(problems(run.script), "");

@@ -7,22 +7,17 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "temp_store.h"
-#include "tool_run.h"
+#include "scoped_env.h"
+#include "tool_folder.h"
 
 namespace {
 
 const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
 
-class AutoconfigTool : public ::testing::Test {
+class AutoconfigTool : public braxcfg::test::ToolFolder {
 protected:
     void SetUp() override {
-        // The tool inherits these: the example lab, and no system VISA library.
-        setenv("BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini", 1);
-        setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1);
-        dir_ = braxcfg::test::testOutputDir("autoconfig_tool/" + std::to_string(getpid()));
-        std::filesystem::remove_all(dir_);
-        std::filesystem::create_directories(dir_);
+        ToolFolder::SetUp();
         // GPIB0 knows GPIB0::22; the "GPIB\xe9" interface has a name cp1252 holds and UTF-8 spells otherwise.
         std::ofstream(dir_ + "/start.reg", std::ios::binary)
             << "REGEDIT4\n\n[" << kProduct << "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n\n["
@@ -32,20 +27,9 @@ protected:
         std::string output;
         ASSERT_EQ(run({"import", dir_ + "/start.reg"}, &output), 0) << output;
     }
-    void TearDown() override {
-        unsetenv("BRAXCFG_LAB");
-        unsetenv("BRAXCFG_VISA_LIBRARY");
-        std::filesystem::remove_all(dir_);
-    }
-    // The exit code; stdout, then stderr, in `output`.
-    int run(std::vector<std::string> args, std::string* output = nullptr) const {
-        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
-        const auto result = braxcfg::test::runTool(args);
-        if (output) *output = result.out + result.err;
-        return result.exitCode;
-    }
-
-    std::string dir_;
+    // The tool inherits these: the example lab, and no system VISA library.
+    braxcfg::test::ScopedEnv lab_{"BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini"};
+    braxcfg::test::ScopedEnv visa_{"BRAXCFG_VISA_LIBRARY", "builtin"};
 };
 
 TEST_F(AutoconfigTool, DryRunWritesNothingThenTheSearchWritesTheNewDevices) {
@@ -79,7 +63,7 @@ TEST_F(AutoconfigTool, JsonIsUtf8AndRefusalsSayWhy) {
     // Not set up: what the search found would have nowhere to go.
     EXPECT_EQ(run({"autoconfig", "INTF3"}, &output), 2);
     EXPECT_NE(output.find("INTF3 has no device list yet; set it up first"), std::string::npos) << output;
-    setenv("BRAXCFG_LAB", "/nonexistent.ini", 1);
+    const braxcfg::test::ScopedEnv missingLab("BRAXCFG_LAB", "/nonexistent.ini");
     EXPECT_EQ(run({"autoconfig", "INTF0"}, &output), 2);
     EXPECT_NE(output.find("braxcfg: VISA Error (0xbfff003a) occurred. "), std::string::npos) << output;
 }

@@ -7,25 +7,24 @@
 #include <filesystem>
 #include <fstream>
 
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace {
 
-using braxcfg::test::runTool;
 using braxcfg::test::runToolAs;
 using braxcfg::test::ToolOptions;
 
-TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
-    const std::string dir = braxcfg::test::testOutputDir("bad_paths/" + std::to_string(::getpid()));
-    std::filesystem::remove_all(dir);
+using BadPathsTool = braxcfg::test::ToolFolder;
+
+TEST_F(BadPathsTool, AreRefusedOrTakenLiterally) {
+    const std::string& dir = dir_;
+    const std::string store = this->store();
     std::filesystem::create_directories(dir + "/folder");
-    const std::string store = dir + "/store.db";
     std::ofstream(dir + "/big.reg").close();
     std::filesystem::resize_file(dir + "/big.reg", (std::uintmax_t{1} << 30) + 1);  // sparse
     std::ofstream(dir + "/max.reg") << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
                                        "\\INTF2147483647]\n\"VISAName\"=\"GPIB7\"\n\"VISAIntfType\"=\"GPIB\"\n";
-    ASSERT_EQ(runTool({"--store", store, "import", dir + "/max.reg"}).exitCode, 0);
+    ASSERT_EQ(tool({"import", dir + "/max.reg"}).exitCode, 0);
     const std::string uri = "file:bad-paths-" + std::to_string(::getpid()) + ".db?mode=memory";  // in the working directory
 
     const struct {
@@ -56,7 +55,6 @@ TEST(BadPathsTool, AreRefusedOrTakenLiterally) {
     }
     EXPECT_TRUE(std::filesystem::is_regular_file(uri)) << "the URI's options were obeyed";
     for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(uri + suffix);
-    std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -26,6 +26,7 @@
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store_builder.h"
+#include "file_bytes.h"
 #include "tree_text.h"
 #include "ui/testing/message_box_capture.h"
 #include "ui/modal.h"
@@ -241,11 +242,9 @@ TEST_F(ConfigWindowTest, ImportAndExportGoThroughAFileDialog) {
     script.expectClass("QFileDialog", choose(out));
     window->exportAction()->trigger();
     EXPECT_EQ(test::problems(script), "");
-    std::ifstream exported(out, std::ios::binary);
-    std::stringstream bytes;
-    bytes << exported.rdbuf();
-    EXPECT_EQ(bytes.str().substr(0, 2), "\xff\xfe");  // UTF-16LE, as Windows writes it
-    EXPECT_GT(bytes.str().size(), 200u);
+    const std::string bytes = test::readFile(out);
+    EXPECT_EQ(bytes.substr(0, 2), "\xff\xfe");  // UTF-16LE, as Windows writes it
+    EXPECT_GT(bytes.size(), 200u);
 }
 
 }  // namespace

@@ -5,13 +5,12 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "store_files.h"
 #include "temp_store.h"
+#include "file_bytes.h"
 #include "tool_run.h"
 
 namespace braxcfg::test {
@@ -22,21 +21,11 @@ const std::vector<std::vector<std::string>> kReadCommands = {
     {"rsrc", "dump", "GPIB0::7"}, {"export"}, {"resolve", "GPIB0::7"},
 };
 
-ToolRun onStore(const std::string& store, std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", store});
-    return runTool(args);
-}
-
 // The store file and its log, byte for byte (the shared-memory index is
 // every reader's to change).
 std::string storeBytes(const std::string& path) {
     std::string bytes;
-    for (const char* suffix : {"", "-wal"}) {
-        std::ifstream file(path + suffix, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        bytes += std::string(suffix) + ":" + text.str();
-    }
+    for (const char* suffix : {"", "-wal"}) bytes += std::string(suffix) + ":" + readFile(path + suffix);
     return bytes;
 }
 
@@ -44,7 +33,7 @@ TEST(ReadOnlyTool, AMissingStoreIsAnErrorAndStaysMissing) {
     const ScratchStoreFiles store(testOutputDir("tool") + "/missing-" + std::to_string(getpid()) + ".db");
     for (const auto& args : kReadCommands) {
         SCOPED_TRACE(testing::PrintToString(args));
-        const ToolRun run = onStore(store.path(), args);
+        const ToolRun run = runToolOn(store.path(), args);
         EXPECT_EQ(run.exitCode, 2);
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err, "braxcfg: cannot use the store " + store.path() + ": " + store.path() +
@@ -52,8 +41,8 @@ TEST(ReadOnlyTool, AMissingStoreIsAnErrorAndStaysMissing) {
         EXPECT_FALSE(std::filesystem::exists(store.path()));
     }
     // A change makes the store, as before.
-    EXPECT_EQ(onStore(store.path(), {"aliases", "set", "scope1", "--resource", "GPIB0::7"}).exitCode, 0);
-    EXPECT_EQ(onStore(store.path(), {"resolve", "scope1"}).out, "GPIB0::7\n");
+    EXPECT_EQ(runToolOn(store.path(), {"aliases", "set", "scope1", "--resource", "GPIB0::7"}).exitCode, 0);
+    EXPECT_EQ(runToolOn(store.path(), {"resolve", "scope1"}).out, "GPIB0::7\n");
 }
 
 TEST(ReadOnlyTool, ReadingWritesNothingNotEvenTheProductWords) {
@@ -62,14 +51,14 @@ TEST(ReadOnlyTool, ReadingWritesNothingNotEvenTheProductWords) {
     for (const auto& args : kReadCommands) {
         SCOPED_TRACE(testing::PrintToString(args));
         // The store opened and was read (the empty store has no INTF0: devices says so).
-        EXPECT_EQ(onStore(store.path(), args).err.find("cannot use the store"), std::string::npos);
+        EXPECT_EQ(runToolOn(store.path(), args).err.find("cannot use the store"), std::string::npos);
         EXPECT_EQ(storeBytes(store.path()), before);
     }
-    const ToolRun exported = onStore(store.path(), {"export", "--utf8"});
+    const ToolRun exported = runToolOn(store.path(), {"export", "--utf8"});
     EXPECT_EQ(exported.out.find("MfgName"), std::string::npos) << exported.out;
     // The first change records them.
-    ASSERT_EQ(onStore(store.path(), {"aliases", "set", "scope1", "--resource", "GPIB0::7"}).exitCode, 0);
-    EXPECT_NE(onStore(store.path(), {"export", "--utf8"}).out.find("\"MfgName\"=\"Tolvane\""), std::string::npos);
+    ASSERT_EQ(runToolOn(store.path(), {"aliases", "set", "scope1", "--resource", "GPIB0::7"}).exitCode, 0);
+    EXPECT_NE(runToolOn(store.path(), {"export", "--utf8"}).out.find("\"MfgName\"=\"Tolvane\""), std::string::npos);
 }
 
 }  // namespace

@@ -7,56 +7,32 @@
 #include <string>
 #include <vector>
 
-#include "file_bytes.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace {
 
 using braxcfg::test::readFile;
 using braxcfg::test::runTool;
 using braxcfg::test::ToolRun;
-using braxcfg::test::writeFile;
 
-// A folder of its own for each test: the store and the files it imports and
-// exports.
-class RegfileTool : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        dir_ = braxcfg::test::testOutputDir(std::string("regfile_tool/") + info->name() + "-" +
-                                            std::to_string(getpid()));
-        for (const auto& entry : std::filesystem::directory_iterator(dir_)) std::filesystem::remove(entry.path());
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    std::string path(const std::string& name) const { return dir_ + "/" + name; }
-
-    ToolRun run(std::vector<std::string> args) const {
-        args.insert(args.begin(), {"--store", path("store.db")});
-        return runTool(args);
-    }
-
-private:
-    std::string dir_;
-};
+using RegfileTool = braxcfg::test::ToolFolder;
 
 const std::string kFixtures = BRAXCFG_TEST_FIXTURES;
 
 TEST_F(RegfileTool, ImportThenExportGivesTheFileBack) {
-    ASSERT_EQ(run({"import", kFixtures + "/regfile_roundtrip.utf16.reg"}).exitCode, 0);
+    ASSERT_EQ(tool({"import", kFixtures + "/regfile_roundtrip.utf16.reg"}).exitCode, 0);
 
-    const ToolRun toStdout = run({"export", "--utf8"});
+    const ToolRun toStdout = tool({"export", "--utf8"});
     EXPECT_EQ(toStdout.exitCode, 0) << toStdout.err;
     EXPECT_EQ(toStdout.out, readFile(kFixtures + "/regfile_roundtrip.utf8.reg"));
 
-    const ToolRun toFile = run({"export", path("out.reg")});
+    const ToolRun toFile = tool({"export", path("out.reg")});
     EXPECT_EQ(toFile.exitCode, 0) << toFile.err;
     EXPECT_TRUE(toFile.out.empty());
     EXPECT_EQ(readFile(path("out.reg")), readFile(kFixtures + "/regfile_roundtrip.utf16.reg"));
 
     const ToolRun oneKey =
-        run({"export", "--utf8", "--key", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion\\INTF10"});
+        tool({"export", "--utf8", "--key", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion\\INTF10"});
     EXPECT_EQ(oneKey.exitCode, 0) << oneKey.err;
     EXPECT_EQ(oneKey.out,
               "Windows Registry Editor Version 5.00\n\n"
@@ -69,36 +45,36 @@ TEST_F(RegfileTool, ImportThenExportGivesTheFileBack) {
 TEST_F(RegfileTool, OneNonAsciiNameIsTheSameAtEveryEdge) {
     const std::string bench = "B\xC3\xA4nch";  // as typed in a UTF-8 terminal
     const std::string product = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
-    writeFile(path("intf.reg"), "Windows Registry Editor Version 5.00\n\n[" + product + "\\INTF0]\n\"VISAName\"=\"" +
+    write("intf.reg", "Windows Registry Editor Version 5.00\n\n[" + product + "\\INTF0]\n\"VISAName\"=\"" +
                                     bench + "\"\n\"VISAIntfType\"=\"GPIB\"\n\n[" + product + "\\INTF0\\VISADev]\n");
-    ASSERT_EQ(run({"import", path("intf.reg")}).exitCode, 0);
-    ASSERT_EQ(run({"aliases", "set", bench, "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
-    ASSERT_EQ(run({"devices", "INTF0", "add", bench + "::7"}).exitCode, 0);
+    ASSERT_EQ(tool({"import", path("intf.reg")}).exitCode, 0);
+    ASSERT_EQ(tool({"aliases", "set", bench, "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
+    ASSERT_EQ(tool({"devices", "INTF0", "add", bench + "::7"}).exitCode, 0);
 
-    const ToolRun exported = run({"export", "--utf8", path("out.reg")});
+    const ToolRun exported = tool({"export", "--utf8", path("out.reg")});
     ASSERT_EQ(exported.exitCode, 0) << exported.err;
     const std::string file = readFile(path("out.reg"));
     EXPECT_EQ(file.find("B\xC3\x83\xC2\xA4nch"), std::string::npos) << "no UTF-8 bytes stored as text";
     EXPECT_NE(file.find("[" + product + "\\INTF0\\VISADev\\" + bench + "::7]"), std::string::npos) << file;
 
     // The exported file setting the alias again is the same alias, not a second one.
-    ASSERT_EQ(run({"import", path("out.reg")}).exitCode, 0);
-    const ToolRun aliases = run({"aliases"});
+    ASSERT_EQ(tool({"import", path("out.reg")}).exitCode, 0);
+    const ToolRun aliases = tool({"aliases"});
     EXPECT_EQ(aliases.out.find(bench), aliases.out.rfind(bench)) << aliases.out;
     EXPECT_NE(aliases.out.find(bench + "                TCPIP0::a::INSTR"), std::string::npos) << aliases.out;
 
-    EXPECT_EQ(run({"devices", "INTF0"}).out.rfind(bench + "::7\n", 0), 0u);
-    EXPECT_NE(run({"interfaces", "--json"}).out.find("\"visaName\": \"" + bench + "\""), std::string::npos);
+    EXPECT_EQ(tool({"devices", "INTF0"}).out.rfind(bench + "::7\n", 0), 0u);
+    EXPECT_NE(tool({"interfaces", "--json"}).out.find("\"visaName\": \"" + bench + "\""), std::string::npos);
 
-    const ToolRun refused = run({"aliases", "set", "\xE4\xB8\xAD", "--resource", "TCPIP0::a::INSTR"});
+    const ToolRun refused = tool({"aliases", "set", "\xE4\xB8\xAD", "--resource", "TCPIP0::a::INSTR"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_NE(refused.err.find("U+4E2D is not in the Windows-1252 code page"), std::string::npos) << refused.err;
 }
 
 // Control characters in store text reach a terminal escaped, a pipe as they are.
 TEST_F(RegfileTool, ControlCharactersAreEscapedOnATerminal) {
-    ASSERT_EQ(run({"aliases", "set", "A\x1b[31m", "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
-    EXPECT_NE(run({"aliases"}).out.find("A\x1b[31m"), std::string::npos);
+    ASSERT_EQ(tool({"aliases", "set", "A\x1b[31m", "--resource", "TCPIP0::a::INSTR"}).exitCode, 0);
+    EXPECT_NE(tool({"aliases"}).out.find("A\x1b[31m"), std::string::npos);
     // script(1) gives the tool a terminal as its standard output.
     const std::string command = "script -qec \"'" BRAXCFG_TOOL_PATH "' --store '" + path("store.db") +
                                 "' aliases\" /dev/null > '" + path("tty") + "'";
@@ -109,10 +85,10 @@ TEST_F(RegfileTool, ControlCharactersAreEscapedOnATerminal) {
 }
 
 TEST_F(RegfileTool, ErrorsExitWithCode2AndSayWhy) {
-    writeFile(path("good.reg"), "REGEDIT4\n[HKEY_LOCAL_MACHINE\\A]\n\"v\"=\"1\"\n");
-    ASSERT_EQ(run({"import", path("good.reg")}).exitCode, 0);
-    const std::string before = run({"export", "--utf8"}).out;
-    writeFile(path("bad.reg"), "REGEDIT4\n[-HKEY_LOCAL_MACHINE\\A]\n[HKEY_LOCAL_MACHINE\\B]\n\"w\"=dword:123456789\n");
+    write("good.reg", "REGEDIT4\n[HKEY_LOCAL_MACHINE\\A]\n\"v\"=\"1\"\n");
+    ASSERT_EQ(tool({"import", path("good.reg")}).exitCode, 0);
+    const std::string before = tool({"export", "--utf8"}).out;
+    write("bad.reg", "REGEDIT4\n[-HKEY_LOCAL_MACHINE\\A]\n[HKEY_LOCAL_MACHINE\\B]\n\"w\"=dword:123456789\n");
 
     struct Case {
         std::vector<std::string> args;
@@ -131,12 +107,12 @@ TEST_F(RegfileTool, ErrorsExitWithCode2AndSayWhy) {
         {{"export", path("no-such-dir/out.reg")}, "cannot write"},
     };
     for (const Case& c : cases) {
-        const ToolRun result = run(c.args);
+        const ToolRun result = tool(c.args);
         EXPECT_EQ(result.exitCode, 2) << c.reason;
         EXPECT_NE(result.err.find(c.reason), std::string::npos) << "wanted: " << c.reason << "\ngot: " << result.err;
         EXPECT_TRUE(result.out.empty()) << c.reason;
     }
-    EXPECT_EQ(run({"export", "--utf8"}).out, before);
+    EXPECT_EQ(tool({"export", "--utf8"}).out, before);
 }
 
 }  // namespace

@@ -5,26 +5,21 @@
 #include <string>
 #include <vector>
 
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace braxcfg::test {
 namespace {
 
-ToolRun onStore(const std::string& store, std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", store});
-    return runTool(args);
-}
+using ResolveTool = ToolFolder;
 
-TEST(ResolveTool, AliasesThenResourceStrings) {
-    const TempStore store;
+TEST_F(ResolveTool, AliasesThenResourceStrings) {
     for (const std::vector<std::string>& alias :
          {std::vector<std::string>{"scope1", "TCPIP0::10.0.0.5::inst0::INSTR"},
           // Store text is cp1252: the name and the string go in and come out as UTF-8.
           {"caf\xC3\xA9", "TCPIP0::h\xC3\xA9::INSTR"},
           // An alias that looks like a resource string is still an alias.
           {"gpib0::9", "TCPIP0::10.0.0.9::inst0::INSTR"}}) {
-        ASSERT_EQ(onStore(store.path(), {"aliases", "set", alias[0], "--resource", alias[1]}).exitCode, 0);
+        ASSERT_EQ(tool({"aliases", "set", alias[0], "--resource", alias[1]}).exitCode, 0);
     }
     const struct { std::vector<std::string> args; std::string out; int exitCode; } cases[] = {
         {{"SCOPE1"}, "TCPIP0::10.0.0.5::inst0::INSTR\n", 0},
@@ -44,7 +39,7 @@ TEST(ResolveTool, AliasesThenResourceStrings) {
         SCOPED_TRACE(testing::PrintToString(c.args));
         std::vector<std::string> args{"resolve"};
         args.insert(args.end(), c.args.begin(), c.args.end());
-        const ToolRun run = onStore(store.path(), args);
+        const ToolRun run = tool(args);
         EXPECT_EQ(run.out, c.out);
         EXPECT_EQ(run.exitCode, c.exitCode);
         EXPECT_EQ(run.err.empty(), c.exitCode == 0) << run.err;

@@ -11,9 +11,8 @@ namespace braxcfg::test {
 namespace {
 
 // The tool's standard output and exit code.
-std::pair<std::string, int> runOnStore(const std::string& storePath, std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", storePath});
-    ToolRun result = runTool(args);
+std::pair<std::string, int> runOnStore(const std::string& storePath, const std::vector<std::string>& args) {
+    ToolRun result = runToolOn(storePath, args);
     return {std::move(result.out), result.exitCode};
 }
 

@@ -1,57 +1,33 @@
 // braxcfg setup / end-pass through the loaded plug-in, from a fixture store
 // with every interface type to the exported result.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "braxcfg_version.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "store_write_lock.h"
+#include "tool_folder.h"
 
 namespace {
 
 const std::string kFixtures = BRAXCFG_TEST_FIXTURES;
 
-std::string readText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
+using braxcfg::test::readFile;
+using braxcfg::test::replaceAll;
 
-void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-}
-
-class SetupEndPassTool : public ::testing::Test {
+class SetupEndPassTool : public braxcfg::test::ToolFolder {
 protected:
     void SetUp() override {
-        dir_ = braxcfg::test::testOutputDir("setup_tool/" + std::to_string(getpid()));
-        std::filesystem::remove_all(dir_);
+        ToolFolder::SetUp();
         std::filesystem::create_directories(dir_ + "/intfcfg");
-        std::ofstream(dir_ + "/intfcfg/intfcfg.ini", std::ios::binary) << "[Cfg232]\r\nVISAAutoConfig=True\r\n";
+        write("intfcfg/intfcfg.ini", "[Cfg232]\r\nVISAAutoConfig=True\r\n");
     }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    // Runs the tool on the test's store; its exit code, with its output
-    // (stdout, then stderr) in `output`.
-    int run(std::vector<std::string> args, std::string* output = nullptr) const {
-        args.insert(args.begin(), {"--store", dir_ + "/store.db"});
-        const braxcfg::test::ToolRun result = braxcfg::test::runTool(args);
-        if (output) *output = result.out + result.err;
-        return result.exitCode;
-    }
-
-    std::string dir_;
 };
 
 TEST_F(SetupEndPassTool, EveryInterfaceTypeGoesThroughSetUpAndEndOfPass) {
@@ -66,12 +42,12 @@ TEST_F(SetupEndPassTool, EveryInterfaceTypeGoesThroughSetUpAndEndOfPass) {
     ASSERT_EQ(run({"end-pass"}, &output), 0) << output;
     ASSERT_EQ(run({"export", "--utf8", dir_ + "/out.reg"}, &output), 0) << output;
 
-    std::string exported = readText(dir_ + "/out.reg");
+    std::string exported = readFile(dir_ + "/out.reg");
     replaceAll(exported, "\"BaseDir\"=\"" + dir_ + "\"", "\"BaseDir\"=\"@BASEDIR@\"");
     exported = std::regex_replace(exported, std::regex("\"LastMod\"=\"[A-Z][a-z]{2} [A-Z][a-z]{2} \\d{2} "
                                                        "\\d{2}:\\d{2}:\\d{2} \\d{4}\""),
                                   "\"LastMod\"=\"@LASTMOD@\"");
-    std::string expected = readText(kFixtures + "/setup_every_type.expected.reg");
+    std::string expected = readFile(kFixtures + "/setup_every_type.expected.reg");
     char number[16];
     // "ManfVersionNbr" is the version in the VISA encoding (12, 12 and 8 bits).
     std::snprintf(number, sizeof number, "%08x",
@@ -114,27 +90,6 @@ TEST_F(SetupEndPassTool, DevicesAndAliasesEditTheStore) {
         << output;
     EXPECT_EQ(output.find("Dmm"), std::string::npos) << output;
 }
-
-namespace interface_commands {
-
-// Holds the store's write lock, as another process in the middle of a
-// write would, until it goes out of scope.
-class StoreWriteLock {
-public:
-    explicit StoreWriteLock(const std::string& path) {
-        sqlite3_open(path.c_str(), &db_);
-        sqlite3_exec(db_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-    }
-    ~StoreWriteLock() {
-        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-        sqlite3_close(db_);
-    }
-    StoreWriteLock(const StoreWriteLock&) = delete;
-    StoreWriteLock& operator=(const StoreWriteLock&) = delete;
-
-private:
-    sqlite3* db_ = nullptr;
-};
 
 // Rows run in order on one store, each seeing what the rows above left.
 // Without a display, so that no command can open a dialog.
@@ -196,7 +151,8 @@ TEST_F(SetupEndPassTool, InterfaceKeysAreAddedRemovedAndCheckedByEveryCommand) {
         std::string output;
         int exitCode = 0;
         if (row.locked) {
-            const StoreWriteLock lock(store);
+            const braxcfg::test::StoreWriteLock lock(store);
+            ASSERT_TRUE(lock.held());
             exitCode = run(row.args, &output);
         } else {
             exitCode = run(row.args, &output);
@@ -207,7 +163,5 @@ TEST_F(SetupEndPassTool, InterfaceKeysAreAddedRemovedAndCheckedByEveryCommand) {
         EXPECT_EQ(output, expected);
     }
 }
-
-}  // namespace interface_commands
 
 }  // namespace

@@ -9,9 +9,7 @@
 #include <fstream>
 #include <thread>
 
-#include "file_bytes.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 #include "x_session.h"
 
 namespace {
@@ -23,23 +21,14 @@ std::string shellQuoted(const std::string& word) {
     return out + "'";
 }
 
-// The tool on `store`: its exit code, with stdout and stderr in `output`.
-int runTool(const std::string& store, std::vector<std::string> args, std::string* output = nullptr) {
-    args.insert(args.begin(), {"--store", store});
-    const auto result = braxcfg::test::runTool(args);
-    if (output) *output = result.out + result.err;
-    return result.exitCode;
-}
-
 const std::string kProduct = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
 
-TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
+using ShowDevicesUnderX = braxcfg::test::ToolFolder;
+
+TEST_F(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
     const braxcfg::test::XSession x;
     if (!x.unavailable().empty()) GTEST_SKIP() << x.unavailable();
-    const std::string dir = braxcfg::test::testOutputDir("show_devices_x11/" + std::to_string(getpid()));
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    const std::string store = dir + "/store.db";
+    const std::string& dir = dir_;
     std::ofstream(dir + "/start.reg") << "REGEDIT4\n\n[" << kProduct
                                       << "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n"
                                          "\"VISAAutoConfig\"=hex:01\n\n["
@@ -47,13 +36,13 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
                                       << "\\VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n"
                                          "\"PrefixName\"=\"INSTR\"\n\"GPIB\"=hex:01\n";
     std::string output;
-    ASSERT_EQ(runTool(store, {"import", dir + "/start.reg"}, &output), 0) << output;
+    ASSERT_EQ(run({"import", dir + "/start.reg"}, &output), 0) << output;
 
     const std::string env = "DISPLAY=" + x.display() + " QT_QPA_PLATFORM=xcb BRAXCFG_VISA_LIBRARY=builtin "
                             "BRAXCFG_LAB=" BRAXCFG_SOURCE_DIR "/examples/lab.ini "
                             "LSAN_OPTIONS=suppressions=" BRAXCFG_SOURCE_DIR "/tests/tool/lsan_x11.supp ";
     // The dialog runs in the background; the person's keys follow it.
-    const std::string tool = env + shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(store) +
+    const std::string tool = env + shellQuoted(BRAXCFG_TOOL_PATH) + " --store " + shellQuoted(store()) +
                              " dialog devices INTF0 > " + shellQuoted(dir + "/tool.out") + " 2>&1; echo $? > " +
                              shellQuoted(dir + "/tool.rc");
     ASSERT_EQ(std::system(("(" + tool + ") &").c_str()), 0);
@@ -76,17 +65,16 @@ TEST(ShowDevicesUnderX, AddAutoAddAndOkReachTheStore) {
     const std::string toolText = braxcfg::test::readFile(dir + "/tool.out");
     ASSERT_EQ(code, 0) << toolText;
 
-    ASSERT_EQ(runTool(store, {"interfaces"}, &output), 0);
-    ASSERT_EQ(runTool(store, {"devices", "INTF0"}, &output), 0);
+    ASSERT_EQ(run({"interfaces"}, &output), 0);
+    ASSERT_EQ(run({"devices", "INTF0"}, &output), 0);
     EXPECT_EQ(output,
               "GPIB0::22\n  GPIB0::22::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::24\n  GPIB0::24::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::5::3\n  GPIB0::5::3::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n"
               "GPIB0::9\n  GPIB0::9::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n");
-    ASSERT_EQ(runTool(store, {"export", "--utf8", "--key", kProduct + "\\INTF0", dir + "/intf.reg"}), 0);
+    ASSERT_EQ(run({"export", "--utf8", "--key", kProduct + "\\INTF0", dir + "/intf.reg"}), 0);
     const std::string reg = braxcfg::test::readFile(dir + "/intf.reg");
     EXPECT_NE(reg.find("\"VISAAutoConfig\"=hex:00"), std::string::npos) << reg;
-    std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -7,12 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
-#include <mutex>
 #include <thread>
 
 #include "platform/sqlite_db.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "store_write_lock.h"
+#include "tool_folder.h"
 
 namespace {
 
@@ -21,53 +20,9 @@ using braxcfg::test::ToolRun;
 
 const std::string kProduct = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion";
 
-class StoreBusyTool : public ::testing::Test {
+class StoreBusyTool : public braxcfg::test::ToolFolder {
 protected:
-    void SetUp() override {
-        dir_ = braxcfg::test::testOutputDir("busy_tool/" + std::string(::testing::UnitTest::GetInstance()
-                                                                              ->current_test_info()->name()));
-        std::filesystem::remove_all(dir_);
-        std::filesystem::create_directories(dir_);
-        store_ = dir_ + "/store.db";
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    ToolRun tool(std::vector<std::string> args) const {
-        args.insert(args.begin(), {"--store", store_});
-        return runTool(args);
-    }
-    std::string write(const std::string& name, const std::string& text) const {
-        std::ofstream(dir_ + "/" + name, std::ios::binary) << text;
-        return dir_ + "/" + name;
-    }
     std::string snapshot() const { return tool({"export", "--utf8"}).out; }
-
-    // Holds the write lock, as a second process in the middle of a change
-    // would, until release() (or `seconds` have passed, when given).
-    class Lock {
-    public:
-        explicit Lock(const std::string& store, int seconds = 0) {
-            EXPECT_EQ(db_.open(store, SQLITE_OPEN_READWRITE), SQLITE_OK);
-            EXPECT_EQ(db_.exec("BEGIN IMMEDIATE"), SQLITE_OK);
-            if (seconds > 0) timer_ = std::async(std::launch::async, [this, seconds] {
-                std::this_thread::sleep_for(std::chrono::seconds(seconds));
-                release();
-            });
-        }
-        ~Lock() { release(); }
-        void release() {
-            std::lock_guard lock(mutex_);
-            if (db_.isOpen()) db_.close();  // rolls back
-        }
-
-    private:
-        std::mutex mutex_;
-        braxcfg::platform::SqliteConnection db_;
-        std::future<void> timer_;
-    };
-
-    std::string dir_;
-    std::string store_;
 };
 
 TEST_F(StoreBusyTool, EveryWritingCommandRefusesAndWritesNothing) {
@@ -84,14 +39,15 @@ TEST_F(StoreBusyTool, EveryWritingCommandRefusesAndWritesNothing) {
         {"devices", "INTF0", "add", "GPIB0::9"}, {"devices", "INTF0", "clear"}, {"setup", "INTF1"},
         {"end-pass"},                            {"import", more},
     };
-    Lock held(store_);
+    braxcfg::test::StoreWriteLock held(store());
+    ASSERT_TRUE(held.held());
     std::vector<std::future<ToolRun>> runs;
     for (const auto& command : commands) runs.push_back(std::async(std::launch::async, [&] { return tool(command); }));
     for (std::size_t i = 0; i < runs.size(); ++i) {
         const ToolRun run = runs[i].get();
         SCOPED_TRACE(commands[i][0] + " " + (commands[i].size() > 1 ? commands[i][1] : ""));
         EXPECT_EQ(run.exitCode, 2) << (run.out + run.err);
-        EXPECT_NE((run.out + run.err).find("the store " + store_ + " is busy"), std::string::npos) << (run.out + run.err);
+        EXPECT_NE((run.out + run.err).find("the store " + store() + " is busy"), std::string::npos) << (run.out + run.err);
         EXPECT_NE((run.out + run.err).find("try again"), std::string::npos) << (run.out + run.err);
     }
     held.release();
@@ -114,12 +70,18 @@ TEST_F(StoreBusyTool, AContendedClearOfALongListIsAllOrNothing) {
         SCOPED_TRACE(c.heldSeconds);
         ASSERT_EQ(tool({"import", file}).exitCode, 0);
         const ToolRun clear = [&] {
-            Lock held(store_, c.heldSeconds);
+            braxcfg::test::StoreWriteLock held(store());
+            EXPECT_TRUE(held.held());
+            const auto timer = std::async(std::launch::async, [&] {
+                if (c.heldSeconds == 0) return;
+                std::this_thread::sleep_for(std::chrono::seconds(c.heldSeconds));
+                held.release();
+            });
             return tool({"devices", "INTF0", "clear"});
         }();
         EXPECT_EQ(clear.exitCode, c.exit) << (clear.out + clear.err);
         braxcfg::platform::SqliteConnection db;
-        ASSERT_EQ(db.open(store_, SQLITE_OPEN_READONLY), SQLITE_OK);
+        ASSERT_EQ(db.open(store(), SQLITE_OPEN_READONLY), SQLITE_OK);
         EXPECT_EQ(db.queryInt("SELECT count(*) FROM keys WHERE parent = "
                               "(SELECT id FROM keys WHERE name = CAST('VISADev' AS BLOB))", -1),
                   c.devices);

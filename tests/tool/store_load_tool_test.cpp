@@ -19,12 +19,10 @@
 #include <thread>
 
 #include "platform/sqlite_db.h"
-#include "temp_store.h"
-#include "tool_run.h"
+#include "tool_folder.h"
 
 namespace {
 
-using braxcfg::test::runTool;
 using braxcfg::test::ToolRun;
 using Clock = std::chrono::steady_clock;
 
@@ -60,17 +58,12 @@ std::string bulkFile(const std::string& name) {
     return text;
 }
 
-TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
-    const std::string dir = braxcfg::test::testOutputDir("load_tool/" + std::to_string(::getpid()));
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    const std::string store = dir + "/store.db";
-    std::ofstream(dir + "/base.reg") << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
-                                        "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n";
-    const auto tool = [&](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--store", store});
-        return runTool(args);
-    };
+using StoreUnderLoad = braxcfg::test::ToolFolder;
+
+TEST_F(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
+    const std::string dir = dir_, store = this->store();
+    write("base.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
+                      "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n");
     ASSERT_EQ(tool({"import", dir + "/base.reg"}).exitCode, 0);
     ASSERT_EQ(tool({"setup", "INTF0"}).exitCode, 0);
 
@@ -134,7 +127,6 @@ TEST(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     EXPECT_EQ(bulkKeys, imported);
     EXPECT_GT(added[0].size() + added[1].size(), 0u);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the host got answers other than 1";
-    std::filesystem::remove_all(dir);
 }
 
 }  // namespace
