@@ -23,28 +23,28 @@ struct CommandOptions {
     std::vector<std::string> operands;
 };
 
-CLI::Validator rangeCheck(const OptionSpec& spec) {
+CLI::Validator rangeCheck(const OptionSpec& declaration) {
     return CLI::Validator(
-        [&spec](std::string& value) -> std::string {
+        [&declaration](std::string& value) -> std::string {
             long long number = 0;
-            return parseWholeNumber(value, spec.min, spec.max, number) ? std::string() : spec.rangeText;
+            return parseWholeNumber(value, declaration.min, declaration.max, number) ? std::string() : declaration.rangeText;
         },
-        std::to_string(spec.min) + ".." + std::to_string(spec.max));
+        std::to_string(declaration.min) + ".." + std::to_string(declaration.max));
 }
 
 void declare(CLI::App& tool, const Command& command, CommandOptions& out) {
     out.command = &command;
     out.app = tool.add_subcommand(command.name, command.summary);
     out.app->footer(command.usage);
-    for (const OptionSpec& spec : command.options) {
-        CLI::Option* option = spec.value == nullptr ? out.app->add_flag(spec.name) : out.app->add_option(spec.name);
-        option->description(spec.help);
-        if (spec.value != nullptr) {
-            option->type_name(spec.value)->expected(1)->allow_extra_args(false);
+    for (const OptionSpec& declaration : command.options) {
+        CLI::Option* option = declaration.value == nullptr ? out.app->add_flag(declaration.name) : out.app->add_option(declaration.name);
+        option->description(declaration.help);
+        if (declaration.value != nullptr) {
+            option->type_name(declaration.value)->expected(1)->allow_extra_args(false);
             option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
         }
-        if (spec.rangeText != nullptr) option->check(rangeCheck(spec));
-        out.options.emplace_back(&spec, option);
+        if (declaration.rangeText != nullptr) option->check(rangeCheck(declaration));
+        out.options.emplace_back(&declaration, option);
     }
     out.app->add_option("operands", out.operands, "the command's operands; after \"--\" even one that starts with \"-\"")
         ->type_name("ARG");
@@ -56,26 +56,26 @@ void declare(CLI::App& tool, const Command& command, CommandOptions& out) {
 // twice that takes one value.
 bool collect(const CommandOptions& declared, const std::vector<std::string>& marked, ParsedArgs& out,
              std::string& error) {
-    for (const auto& [spec, option] : declared.options) {
+    for (const auto& [declaration, option] : declared.options) {
         if (option->count() == 0) continue;
-        if (spec->value == nullptr) {
+        if (declaration->value == nullptr) {
             // The parser takes "--json=x" as a flag with the value x.
             for (const std::string& value : option->results())
                 if (value != "true") {
-                    error = std::string("option ") + spec->name + " takes no value";
+                    error = std::string("option ") + declaration->name + " takes no value";
                     return false;
                 }
-            out.options.push_back({spec->name, {}});
+            out.options.push_back({declaration->name, {}});
             continue;
         }
         const std::vector<std::string>& values = option->results();
-        if (values.size() > 1 && !spec->repeats) {
-            error = std::string("option ") + spec->name + " given more than once";
+        if (values.size() > 1 && !declaration->repeats) {
+            error = std::string("option ") + declaration->name + " given more than once";
             return false;
         }
         for (const std::string& value : values) {
-            GivenOption given{spec->name, value};
-            if (!spec->path && !toSystemText(value, given.value, error)) return false;
+            GivenOption given{declaration->name, value};
+            if (!declaration->path && !toSystemText(value, given.value, error)) return false;
             out.options.push_back(std::move(given));
         }
     }
