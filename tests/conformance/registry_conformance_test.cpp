@@ -374,62 +374,6 @@ TEST_F(StoreSemantics, ChangesFromAnotherConnectionShowInEnumeration) {
     EXPECT_EQ(store.enumKey(first, 0, name, sizeof name), kErrorKeyDeleted);
 }
 
-#ifndef _WIN32
-// The subkey lists the SQLite backend keeps between calls: every change, here
-// or in another process, shows where the contract says it does. The registry
-// keeps no such lists (it stamps value writes too), so this is SQLite's alone.
-TEST_F(StoreSemantics, KeptSubkeyListsFollowEveryChange) {
-    const HKey parent = createKey(store, "Kept");
-    for (const char* name : {"b", "d"}) store.closeKey(createKey(store, name, parent));
-    auto opening = openSameStore(temp.path());
-    ASSERT_TRUE(opening.backend) << opening.status.error;
-    StoreBackend& other = *opening.backend;
-    const auto stamp = [&] {
-        std::uint64_t time = 0;
-        std::uint32_t count = 0;
-        EXPECT_EQ(store.queryInfoKey(parent, &count, &time), kErrorSuccess);
-        return std::to_string(count) + "@" + std::to_string(time);
-    };
-    char name[8];
-
-    // An enumeration going on index by index keeps the list it began with.
-    ASSERT_EQ(store.enumKey(parent, 0, name, sizeof name), kErrorSuccess);
-    store.closeKey(createKey(other, "Kept\\a"));
-    ASSERT_EQ(store.enumKey(parent, 1, name, sizeof name), kErrorSuccess);
-    EXPECT_STREQ(name, "d");
-    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "d"}));
-
-    std::string before = stamp();
-    setString(store, parent, "value", "x");
-    store.closeKey(createKey(store, "b\\deeper", parent));
-    EXPECT_EQ(stamp(), before) << "values and grandchildren leave the subkey list alone";
-    store.closeKey(createKey(store, "c", parent));
-    EXPECT_NE(stamp(), before);
-    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c", "d"}));
-
-    before = stamp();
-    ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\D"), kErrorSuccess);
-    EXPECT_NE(stamp(), before);
-    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"}));
-
-    {
-        StoreTransaction transaction(store);
-        store.closeKey(createKey(store, "e", parent));
-        ASSERT_EQ(store.deleteKey(parent, "a"), kErrorSuccess);
-        EXPECT_EQ(subkeyNames(store, parent), (Names{"b", "c", "e"}));
-    }
-    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"})) << "a rollback restores the list";
-
-    // Deleting at index 0 until nothing is left, as a tree delete does.
-    Names deleted;
-    ASSERT_EQ(store.deleteKey(parent, "b\\deeper"), kErrorSuccess);
-    while (store.enumKey(parent, 0, name, sizeof name) == kErrorSuccess) {
-        deleted.emplace_back(name);
-        ASSERT_EQ(store.deleteKey(parent, name), kErrorSuccess);
-    }
-    EXPECT_EQ(deleted, (Names{"a", "b", "c"}));
-}
-#endif
 
 }  // namespace
 }  // namespace braxcfg::platform
