@@ -86,6 +86,10 @@ TEST(StoreConnections, KeptSubkeyListsFollowEveryChange) {
     before = stamp();
     ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\D"), kErrorSuccess);
     EXPECT_NE(stamp(), before);
+    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"}));
+    const HKey doomed = createKey(store, "Kept\\doomed");
+    ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\DOOMED"), kErrorSuccess);
+    EXPECT_EQ(store.enumKey(doomed, 0, name, sizeof name), kErrorKeyDeleted) << "a key another connection deleted";
     {
         StoreTransaction transaction(store);
         store.closeKey(createKey(store, "e", parent));
