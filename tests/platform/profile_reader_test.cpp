@@ -1,11 +1,9 @@
 // Profile (INI) lookups: section and key matching, quoting, comments, line
-// ends, the caller's buffer, reading the file, and the listing of sections.
+// ends, the caller's buffer, and the listing of sections. Reading the file
+// is the serial default's test (tests/store).
 #include "platform/profile_reader.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace braxcfg::platform {
 namespace {
@@ -45,15 +43,6 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
         EXPECT_EQ(lookupProfileString("[S]\nk=abcde\n", "S", "k", "", maxChars), expected) << maxChars;
         EXPECT_EQ(lookupProfileString("", "S", "k", "abcde", maxChars), expected) << maxChars;
     }
-}
-
-TEST(ProfileReader, ReadsTheFileAndFallsBackWhenItCannot) {
-    const std::string dir = BRAXCFG_TEST_OUTPUT "/profile";
-    std::filesystem::create_directories(dir);
-    std::ofstream(dir + "/intfcfg.ini", std::ios::binary) << "[Cfg232]\r\nVISAAutoConfig = True\r\n";
-    EXPECT_EQ(readProfileString(dir + "/intfcfg.ini", "cfg232", "visaautoconfig", ""), "True");
-    EXPECT_EQ(readProfileString(dir + "/missing.ini", "Cfg232", "VISAAutoConfig", "no"), "no");
-    EXPECT_EQ(readProfileString(dir, "Cfg232", "VISAAutoConfig", "folder"), "folder");
 }
 
 TEST(ProfileReader, ListsEverySectionWithLineNumbers) {

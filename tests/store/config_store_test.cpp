@@ -66,7 +66,6 @@ TEST(GetIntfType, TypeWordsAreCaseSensitiveAndResourceTypeIsNormalised) {
         std::string rsrcType = "unchanged";
         EXPECT_EQ(ConfigStore().GetIntfType(intf, rsrcType), c.code);
         EXPECT_EQ(rsrcType, c.normalised);
-        EXPECT_EQ(ConfigStore().GetIntfType(intf), c.code);
     }
 }
 
@@ -138,12 +137,11 @@ TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplatesAndClearEmp
 
 TEST(DeviceEntries, AutoConfigFlagIsStoredAsOneWhenMissing) {
     test::TempStore temp;
-    putTree("[INTF0]\n\"VISAName\"=\"G\"\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+    putTree("[INTF0]\n\"VISAName\"=\"G\"\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
     std::string flags;
-    for (const char* intf : {"INTF0", "INTF1", "INTF2", "INTF9"}) flags += std::to_string(ConfigStore().IsAutoConfig(intf));
-    EXPECT_EQ(flags, "1010");
-    EXPECT_EQ(treeText(""), "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n"
-                            "\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+    for (const char* intf : {"INTF0", "INTF1", "INTF9"}) flags += std::to_string(ConfigStore().IsAutoConfig(intf));
+    EXPECT_EQ(flags, "100");
+    EXPECT_EQ(treeText(""), "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
 }
 
 TEST(VisaInfo, IsWrittenOncePerProcessEvenWhenTheFirstWriteFails) {
@@ -209,9 +207,8 @@ protected:
     // The serial default's profile; null: no file.
     void writeProfile(const char* text) const {
         std::filesystem::remove_all(base_ + "/intfcfg");
-        if (!text) return;
         std::filesystem::create_directories(base_ + "/intfcfg");
-        std::ofstream(base_ + "/intfcfg/intfcfg.ini", std::ios::binary) << text;
+        if (text) std::ofstream(base_ + "/intfcfg/intfcfg.ini", std::ios::binary) << text;
     }
 
     // The VISAAutoConfig flag of each interface, "-" where it was not set up.
@@ -243,6 +240,8 @@ TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
     EXPECT_EQ(serialAutoConfigDefault(), 0);
     writeProfile(nullptr);
     EXPECT_EQ(serialAutoConfigDefault(), 0);
+    std::filesystem::create_directories(interfaceProfilePath());
+    EXPECT_EQ(serialAutoConfigDefault(), 0) << "a folder where the profile should be";
 #ifdef _WIN32
     EXPECT_EQ(interfaceProfilePath(), base_ + "\\intfcfg\\intfcfg.ini");
 #else
