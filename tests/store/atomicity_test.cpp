@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <functional>
-#include <memory>
 #include <random>
 #include <regex>
 #include <thread>
@@ -36,11 +35,8 @@ std::string repeated(const std::string& pattern) {
 const std::string kIntf = "[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n";
 const std::string kClass = "]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"C#\"\n\"GPIB\"=hex:01\n";
 
-const struct {
-    const char* name;
-    std::string prepare;  // .reg text
-    std::function<void()> run;
-} kOperations[] = {
+// prepare: .reg text for putTree.
+const struct { const char* name; std::string prepare; std::function<void()> run; } kOperations[] = {
     {"RenameIntfEntries", kIntf + repeated("[INTF0\\VISADev\\GPIB1::#\\GPIB1::#::INSTR]\n\"Driver\"=\"I\"\n"),
      [] { ConfigStore().RenameIntfEntries("INTF0"); }},
     {"SetupIntfEntries", kIntf + repeated("[VISAInfo\\DefaultIntfRsrcs\\C#" + kClass),
@@ -81,36 +77,36 @@ std::string observe() {
 TEST(KilledMidway, LeavesTheStoreAsBeforeOrAsAfter) {
     for (const auto& operation : kOperations) {
         SCOPED_TRACE(operation.name);
-        std::unique_ptr<test::TempStore> store;
-        const auto prepared = [&] {  // a fresh store with the operation's starting content
-            store.reset();
-            store = std::make_unique<test::TempStore>();
+        test::TempStore store;
+        const auto prepared = [&] {  // the operation's starting content in a fresh store file
+            platform::closeStore();
+            test::removeTestStore(store.path());
+            store.reopen();
             test::putTree(operation.prepare);
             return observe();
         };
-        prepared();
+        const std::string before = prepared();
         const auto started = std::chrono::steady_clock::now();
         operation.run();
         const auto micros =
             std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - started).count();
         const std::string after = observe();
-
+        ASSERT_NE(before, after);
         std::mt19937 random(12345);
         for (int trial = 0; trial < 6; ++trial) {
-            const std::string before = prepared();
-            ASSERT_NE(before, after);
+            ASSERT_EQ(prepared(), before);
             platform::closeStore();
             const pid_t child = fork();
             ASSERT_GE(child, 0);
             if (child == 0) {
-                platform::openStore(store->path());
+                platform::openStore(store.path());
                 operation.run();
                 _exit(0);
             }
             std::this_thread::sleep_for(std::chrono::microseconds(random() % (micros * 3 / 2 + 1)));
             kill(child, SIGKILL);
             waitpid(child, nullptr, 0);
-            store->reopen();
+            store.reopen();
             const std::string found = observe();
             ASSERT_TRUE(found == before || found == after) << "trial " << trial << ":\n" << found;
         }
