@@ -42,9 +42,7 @@ TEST(StoreConnections, OthersWaitForAnOpenTransactionAndSayWhy) {
         StoreTransaction blocked(other);
         EXPECT_FALSE(blocked.active());
         EXPECT_FALSE(blocked.commit());
-        EXPECT_EQ(blocked.failure(), StoreFailure::Busy);
-        EXPECT_EQ(blocked.failureMessage(), "the store " + temp.path() +
-                                                " is busy (another program is changing it), try again; nothing was changed");
+        EXPECT_EQ(blocked.failure(), StoreFailure::Busy);  // its text is the tool's busy-store test
     }
     ASSERT_TRUE(held.commit());
     EXPECT_EQ(subkeyNames(other, kLocalMachine), Names{"Pending"});
