@@ -17,6 +17,7 @@
 namespace braxcfg::platform {
 namespace {
 
+// A [-key] import deletes through the same tree delete as Registry::deleteTree.
 TEST(DeepTree, EveryWalkFinishesAtAnyDepth) {
     // run: true when the walk did its work.
     const struct { const char* walk; int levels; std::function<bool()> run; bool keyRemains; } cases[] = {
@@ -28,9 +29,6 @@ TEST(DeepTree, EveryWalkFinishesAtAnyDepth) {
              return result.error && result.error->find("deeper than the 512 levels") != std::string::npos;
          },
          true},
-        {"[-key] import", 40000,
-         [] { return !regfile::importRegFile(currentStore(), "REGEDIT4\n\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Deep]\n"); },
-         false},
         {"Registry::deleteTree", 40000,
          [] { return Registry(kLocalMachine, "SOFTWARE", kRegOpenExisting).deleteTree("Deep") == kErrorSuccess; },
          false},
