@@ -209,24 +209,18 @@ protected:
 };
 
 TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
-    // The value of VISAAutoConfig in [Cfg232], names written in any case.
+    // The value of VISAAutoConfig in [Cfg232], names written in any case. Where
+    // the profile lies is the tool's every-type test, which reads it for ASRL.
     const std::pair<const char*, int> cases[] = {{"True", 1}, {"TRUE", 0}, {"YES", 0},  {"Yes", 1},
-        {"yes", 1}, {"1", 1}, {"0", 0}, {"", 0}, {"tRUE", 0}, {"truely", 0}, {"\"True\"", 1}};
+        {"yes", 1}, {"1", 1}, {"0", 0}, {"", 0}, {"tRUE", 0}, {"truely", 0}};
     for (const auto& [value, expected] : cases) {
         writeProfile(("[cfg232]\nvisaautoconfig = " + std::string(value) + "\n").c_str());
         EXPECT_EQ(serialAutoConfigDefault(), expected) << value;
     }
-    writeProfile("[Other]\nVISAAutoConfig=True\n");
-    EXPECT_EQ(serialAutoConfigDefault(), 0);
     writeProfile(nullptr);
     EXPECT_EQ(serialAutoConfigDefault(), 0);
     std::filesystem::create_directories(interfaceProfilePath());
     EXPECT_EQ(serialAutoConfigDefault(), 0) << "a folder where the profile should be";
-#ifdef _WIN32
-    EXPECT_EQ(interfaceProfilePath(), base_ + "\\intfcfg\\intfcfg.ini");
-#else
-    EXPECT_EQ(interfaceProfilePath(), base_ + "/intfcfg/intfcfg.ini");
-#endif
 }
 
 // Each type with the serial profile saying True is the tool's end-to-end
