@@ -121,6 +121,7 @@ TEST(RegParser, RejectsTheFirstMalformedLine) {
         {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n" + kKeyA, 4, "continuing the hex list of line 3"},
         {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n\r\n# c\r\n02\r\n", 5, "continuing the hex list of line 3"},
         {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n  02,\\\r\n\r\n; end\r\n", 4, "file ends"},
+        {kR4 + kKeyA + "\"a\"=hex():01\r\n", 3, "type number"},
         {kR4 + kKeyA + "\"a\"=hex(123456789):01\r\n", 3, "type number"},
         {kR4 + kKeyA + "\"a\"=hex(7)01\r\n", 3, "expected ):"},
         {kV5 + kKeyA + "\"a\"=hex(2):41\r\n", 3, "even number of bytes"},

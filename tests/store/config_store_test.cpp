@@ -4,6 +4,7 @@
 // end-to-end fixture of the tool's tests.
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 
@@ -174,6 +175,19 @@ TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
         EXPECT_EQ(1u, count(text, line)) << line << text;
     for (const char* gone : {"DefaultRsrcsDrvrs", "TTLTRIG0", "TTLTRIG3", "TTLTRIG7", "ttltrig5"})
         EXPECT_EQ(0u, count(text, gone)) << gone;
+}
+
+// The form of the time stamp is the tool's every-type fixture; the day and
+// month names and the zero padding are not.
+TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterForm) {
+#ifdef _WIN32
+    _putenv_s("TZ", "UTC");
+    _tzset();
+#else
+    setenv("TZ", "UTC", 1);
+    tzset();
+#endif
+    EXPECT_EQ(ctimeText(1204622127), "Tue Mar 04 09:15:27 2008");
 }
 
 class InterfaceSetup : public ::testing::Test {
