@@ -35,6 +35,8 @@ std::vector<std::string> summaries(const RegParseResult& result) {
     return out;
 }
 
+// The forms the writer produces (escapes, hex(1), UTF-16LE and BOM-less
+// UTF-8 files) are read back by the writer's test, which pins their text.
 TEST(RegParser, AcceptedFilesGiveTheirOperations) {
     const struct { const char* label; std::string text; std::vector<std::string> ops; } cases[] = {
         {"root in any case, runs of backslashes collapse", kR4 + "[hkey_local_machine\\\\A\\\\B\\]\r\n", {"key A\\B"}},
@@ -44,8 +46,6 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
         {"blanks before ] belong to the name", kR4 + "[HKEY_LOCAL_MACHINE\\a ]\r\n", {"key a "}},
         {"key and value deletion", kR4 + kKeyA + "\"x\"=- ;gone\r\n[-HKEY_LOCAL_MACHINE\\A\\B]\r\n",
          {"key A", "-value A|x", "-key A\\B"}},
-        {"escapes in names and strings", kR4 + kKeyA + "\"a\\\\b\\\"c\"=\"l1\\nl2\\r\"\r\n",
-         {"key A", "value A|a\\b\"c|1|6c310a6c320d00"}},
         {"empty quoted name is the default value", kR4 + kKeyA + "\"\"=\"d\"\r\n", {"key A", "value A||1|6400"}},
         {"blanks around = and before a comment", kR4 + kKeyA + "  \"n\"  =  \"v\"  ; c\r\n@ = dword: 1 \r\n",
          {"key A", "value A|n|1|7600", "value A||4|01000000"}},
@@ -63,19 +63,14 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
          {"key A", "value A|x|2|4142", "value A|m|7|410000"}},
         {"version 5 text hex is UTF-16LE", kV5 + kKeyA + "\"x\"=hex(2):41,00,e9,00,ac,20\r\n\"e\"=hex(7):\r\n",
          {"key A", "value A|x|2|41e980", "value A|e|7|"}},
-        {"hex(1) is a string", kV5 + kKeyA + "\"x\"=hex(1):41,00,00,00\r\n", {"key A", "value A|x|1|4100"}},
         {"header with blanks around it; LF line ends", "  REGEDIT4 \t\n[HKEY_LOCAL_MACHINE\\A]\n", {"key A"}},
         {"CR line ends", "REGEDIT4\r[HKEY_LOCAL_MACHINE\\A]\r\"n\"=\"v\"\r", {"key A", "value A|n|1|7600"}},
         {"key names of 255 characters", kR4 + "[HKEY_LOCAL_MACHINE\\" + std::string(255, 'k') + "]\r\n",
          {"key " + std::string(255, 'k')}},
-        // Encodings: UTF-16LE with BOM, UTF-8 with BOM or under the version 5
-        // header, ANSI bytes under REGEDIT4.
-        {"UTF-16LE", utf16File(u"Windows Registry Editor Version 5.00\r\n[HKEY_LOCAL_MACHINE\\Caf\u00e9\u20ac]\r\n"),
-         {"key Caf\xE9\x80"}},
+        // Encodings: UTF-16LE and UTF-8 with BOM, ANSI bytes under REGEDIT4.
         {"a code point cp1252 leaves undefined keeps its byte", utf16File(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\\u0081]"),
          {"key \x81"}},
         {"UTF-8 with BOM", "\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xC3\xA9]\n", {"key \xE9"}},
-        {"version 5 header without BOM reads UTF-8", kV5 + "[HKEY_LOCAL_MACHINE\\\xE2\x82\xAC]\n", {"key \x80"}},
         {"REGEDIT4 without BOM keeps ANSI bytes", kR4 + "[HKEY_LOCAL_MACHINE\\\xC3\xA9]\n", {"key \xC3\xA9"}},
     };
     for (const auto& c : cases) {
