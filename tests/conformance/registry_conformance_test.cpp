@@ -63,7 +63,13 @@ TEST_F(StoreSemantics, KeyNamesMatchByUpperCaseAndKeepTheirCase) {
 TEST_F(StoreSemantics, PathsAreRelativeAndNamesAreLimited) {
     const std::string longest(kMaxKeyNameLength, 'k');
     // Relative to the key "Paths". wine: what Wine answers where it differs.
-    struct Case { const char* label; std::string path; RegResult expected; const WineDeviation* deviation; RegResult wine; };
+    struct Case {
+        const char* label;
+        std::string path;
+        RegResult expected;
+        const WineDeviation* deviation;
+        RegResult wine;
+    };
     const Case cases[] = {
         {"leading separator", "\\A", kErrorBadPathname, nullptr, 0},
         {"255-character name", longest, kErrorSuccess, nullptr, 0},
@@ -206,7 +212,8 @@ TEST_F(StoreSemantics, EnumLeavesBuffersAloneWhenTheyAreTooSmall) {
         std::uint32_t cch = c.cchName, cb = c.cbData;
         RegType type = kRegNone;
         const RegResult rc = store.enumValue(key, 0, name.data(), &cch, &type, bytesOf(data.data()), &cb);
-        const std::string expected = c.wine.empty() ? c.expected : expectedAnswer(c.expected, kWineEnumValueData, c.wine);
+        const std::string expected =
+            c.wine.empty() ? c.expected : expectedAnswer(c.expected, kWineEnumValueData, c.wine);
         EXPECT_EQ(std::to_string(rc) + " " + std::to_string(cch) + " " + std::to_string(cb) + " " + name + " " + data,
                   expected) << c.cchName << " " << c.cbData;
         EXPECT_EQ(type, kRegSz);
@@ -315,7 +322,8 @@ TEST_F(StoreSemantics, HandleOnDeletedKeyNeverReachesItsSuccessor) {
     const std::vector<RegResult> answers{store.queryValue(doomed, "new", nullptr, nullptr, &cb),
         setString(store, doomed, "new", "overwritten"), store.deleteValue(doomed, "new"),
         store.enumValue(doomed, 0, name, &cch, nullptr, nullptr, nullptr), store.enumKey(doomed, 0, name, sizeof name),
-        store.openKey(doomed, "", kKeyAllAccess, &result), store.createKey(doomed, "sub", kKeyAllAccess, &result, nullptr),
+        store.openKey(doomed, "", kKeyAllAccess, &result),
+        store.createKey(doomed, "sub", kKeyAllAccess, &result, nullptr),
         store.deleteKey(doomed, "")};
     EXPECT_EQ(answers, std::vector<RegResult>(8, kErrorKeyDeleted));
     EXPECT_EQ(store.closeKey(doomed), kErrorSuccess);

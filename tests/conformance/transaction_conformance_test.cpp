@@ -32,11 +32,13 @@ void apply(const std::string& changes) {
 // The state every test starts from: values in an order that is not sorted,
 // an unterminated string, a subkey with its own values and subkeys.
 const std::string kOldList = "\"Zulu\"=\"old\"\n\"alpha\"=\"old\"\n\"Mike\"=\"old\"\n\"bravo\"=\"old\"\n"
-                             "\"raw\"=hex(1):61,62,63\n[" + kList + "\\GPIB0::5\\GPIB0::5::INSTR]\n\"Driver\"=\"old\"\n";
+                             "\"raw\"=hex(1):61,62,63\n[" + kList + "\\GPIB0::5\\GPIB0::5::INSTR]\n"
+                             "\"Driver\"=\"old\"\n";
 // A rewrite that touches every kind of change: overwrite, delete, re-add,
 // new values, keys deleted, keys created several levels deep.
 const std::string kRewrite = "\"Mike\"=\"new\"\n\"alpha\"=-\n\"ALPHA\"=\"re-added\"\n\"raw\"=-\n\"Yankee\"=\"new\"\n"
-                             "[-" + kList + "\\GPIB0::5]\n[" + kList + "\\TCPIP0::host\\deep\\deeper]\n\"Driver\"=\"new\"\n";
+                             "[-" + kList + "\\GPIB0::5]\n[" + kList + "\\TCPIP0::host\\deep\\deeper]\n"
+                             "\"Driver\"=\"new\"\n";
 
 // Fixed per test, so that the child process of a death test opens the
 // store its parent prepared.

@@ -36,7 +36,8 @@ TEST(DeepTree, EveryWalkFinishesAtAnyDepth) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.walk);
         test::TempStore temp;
-        ASSERT_TRUE(test::createKeyChain(Registry(kLocalMachine, "SOFTWARE\\Deep", kRegOpenOrCreate).handle(), c.levels));
+        const Registry deep(kLocalMachine, "SOFTWARE\\Deep", kRegOpenOrCreate);
+        ASSERT_TRUE(test::createKeyChain(deep.handle(), c.levels));
         EXPECT_TRUE(c.run());
         EXPECT_EQ(test::keyExists("SOFTWARE\\Deep"), c.keyRemains);
     }
@@ -52,10 +53,10 @@ TEST(DeepTree, ImportRefusesKeysDeeperThanTheRegistryAllows) {
         SCOPED_TRACE(c.levels);
         std::string path = "HKEY_LOCAL_MACHINE\\SOFTWARE";
         for (int i = 1; i < c.levels; ++i) path += "\\k";
-        const auto error = regfile::importRegFile(currentStore(), "REGEDIT4\n\n\n" + std::string(c.prefix) + path + "]\n");
-        EXPECT_EQ(error ? regfile::describe(*error) : "accepted",
-                  c.refused ? "line 4: the key is " + std::to_string(c.levels) + " levels deep; the store allows at most 512"
-                            : "accepted");
+        const auto error = regfile::importRegFile(currentStore(), "REGEDIT4\n\n\n" + (c.prefix + path) + "]\n");
+        const std::string refusal =
+            "line 4: the key is " + std::to_string(c.levels) + " levels deep; the store allows at most 512";
+        EXPECT_EQ(error ? regfile::describe(*error) : "accepted", c.refused ? refusal : "accepted");
         EXPECT_EQ(test::keyExists("SOFTWARE\\k"), !c.refused);
     }
 }

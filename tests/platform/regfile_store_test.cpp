@@ -31,10 +31,12 @@ std::string fixture(const std::string& name) { return test::readFile(BRAXCFG_TES
 
 TEST(RegFileStore, ImportMergesAndExportStartsAtTheKeyAsSpelled) {
     test::TempStore store;
-    importOrFail("REGEDIT4\n[HKEY_LOCAL_MACHINE\\T]\n\"a\"=\"1\"\n\"b\"=\"2\"\n\"c\"=\"3\"\n[HKEY_LOCAL_MACHINE\\T\\Gone]\n"
-                 "\"v\"=\"x\"\n[HKEY_LOCAL_MACHINE\\T\\Gone\\Deeper\\Deepest]\n\"v\"=dword:1\n[HKEY_LOCAL_MACHINE\\T\\Kept]\n");
+    importOrFail("REGEDIT4\n[HKEY_LOCAL_MACHINE\\T]\n\"a\"=\"1\"\n\"b\"=\"2\"\n\"c\"=\"3\"\n"
+                 "[HKEY_LOCAL_MACHINE\\T\\Gone]\n\"v\"=\"x\"\n[HKEY_LOCAL_MACHINE\\T\\Gone\\Deeper\\Deepest]\n"
+                 "\"v\"=dword:1\n[HKEY_LOCAL_MACHINE\\T\\Kept]\n");
     importOrFail("REGEDIT4\n[HKEY_LOCAL_MACHINE\\T]\n\"b\"=\"two\"\n\"a\"=-\n\"d\"=dword:4\n\"missing\"=-\n"
-                 "[-HKEY_LOCAL_MACHINE\\T\\Gone]\n[-HKEY_LOCAL_MACHINE\\T\\NeverWas]\n[HKEY_LOCAL_MACHINE\\T\\New\\Child]\n");
+                 "[-HKEY_LOCAL_MACHINE\\T\\Gone]\n[-HKEY_LOCAL_MACHINE\\T\\NeverWas]\n"
+                 "[HKEY_LOCAL_MACHINE\\T\\New\\Child]\n");
     EXPECT_EQ(exportText("hkey_local_machine\\t\\\\"),
               "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\t]\n\"b\"=\"two\"\n\"c\"=\"3\"\n"
               "\"d\"=dword:00000004\n\n[HKEY_LOCAL_MACHINE\\t\\Kept]\n\n[HKEY_LOCAL_MACHINE\\t\\New]\n\n"

@@ -26,8 +26,8 @@ TEST(RegWriter, EachValueFormIsWrittenAsShownAndReadsBackUnchanged) {
     std::string everyByte = bytesUpTo(256).substr(1);
     const struct { std::string name; RegType type; std::string bytes, line; } values[] = {
         {"n", kRegSz, "a\0b\0"s, "\"n\"=hex(1):61,00,00,00,62,00,00,00"},
-        {"u", kRegSz, "unterminated", "\"u\"=hex(1):75,00,6e,00,74,00,65,00,72,00,6d,00,69,00,6e,00,61,00,74,00,65,00,\\\r\n"
-                                      "  64,00"},
+        {"u", kRegSz, "unterminated",
+         "\"u\"=hex(1):75,00,6e,00,74,00,65,00,72,00,6d,00,69,00,6e,00,61,00,74,00,65,00,\\\r\n  64,00"},
         {"", kRegSz, "", "@=hex(1):"},
         {"q\"\\", kRegSz, "C:\\x \"y\"\r\n\0"s, "\"q\\\"\\\\\"=\"C:\\\\x \\\"y\\\"\\r\\n\""},
         {"w", kRegDword, "\x1f\xbe\xad\x0e"s, "\"w\"=dword:0eadbe1f"},

@@ -54,8 +54,8 @@ TEST(StoreKey, SeesNamesOfAnyLength) {
 TEST(StoreKey, DeleteKeyTree) {
     const std::string longName(kMaxKeyNameLength, 'n');
     // made: below SOFTWARE\T; left: the subkeys of SOFTWARE\T afterwards.
-    const struct { std::vector<std::string> made; const char* deleted; RegResult result; std::vector<std::string> left; }
-        cases[] = {
+    using Names = std::vector<std::string>;
+    const struct { Names made; const char* deleted; RegResult result; Names left; } cases[] = {
             {{"a", "b"}, "a", kErrorSuccess, {"b"}},
             {{"a\\x\\" + longName, "a\\y", "b"}, "a", kErrorSuccess, {"b"}},  // long names and values included
             {{"a\\x\\y", "a\\z"}, "a\\x", kErrorSuccess, {"a"}},             // a path of several names

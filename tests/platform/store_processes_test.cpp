@@ -44,7 +44,8 @@ TEST(StoreProcesses, ConcurrentReadModifyWritesLoseNothing) {
     test::TempStore temp;
     closeStore();
     std::vector<test::Child> writers;
-    for (int id = 0; id < kWriters; ++id) writers.push_back(test::startChild([&] { return addToCounter(temp.path()); }));
+    for (int id = 0; id < kWriters; ++id)
+        writers.push_back(test::startChild([&] { return addToCounter(temp.path()); }));
     for (const auto& writer : writers) EXPECT_EQ(test::finishChild(writer), "");
     temp.reopen();
     const std::uint32_t expected = kWriters * kRounds;

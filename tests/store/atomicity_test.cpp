@@ -39,7 +39,8 @@ const struct { const char* name; std::string prepare; std::function<void()> run;
      "[INTF0]\n\"VISAName\"=\"GPIB0\"\n" + repeated("[INTF0\\VISADev\\GPIB1::#\\GPIB1::#::INSTR]\n\"Driver\"=\"I\"\n"),
      [] { ConfigStore().RenameIntfEntries("INTF0"); }},
     {"alias commit",
-     "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" + repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
+     "[Devices]\n" + repeated("\"Alias#\"=\"gpib0,#\"\n") + "[VISADevices]\n" +
+         repeated("\"Alias#\"=\"TCPIP0::host#::INSTR\"\n"),
      [] {
          tcpip::AList list;
          list.load();

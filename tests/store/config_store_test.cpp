@@ -72,7 +72,8 @@ TEST(SetupIntfEntries, CreatesTheClassesMarkedForTheTypeWord) {
     test::TempStore store;
     // A class with texts, one without, one that says nothing about GPIB and one that says no.
     putTree("[VISAInfo\\DefaultIntfRsrcs\\INTFC]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INTFC\"\n\"GPIB\"=hex:01\n"
-            "[VISAInfo\\DefaultIntfRsrcs\\BARE]\n\"GPIB\"=hex:01\n[VISAInfo\\DefaultIntfRsrcs\\SILENT]\n\"VXI\"=hex:01\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\BARE]\n\"GPIB\"=hex:01\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\SILENT]\n\"VXI\"=hex:01\n"
             "[VISAInfo\\DefaultIntfRsrcs\\REFUSED]\n\"GPIB\"=hex:00\n" + intfTree("INTF0", "X0", "GPIB"));
     ConfigStore().SetupIntfEntries("INTF0", 1);
     EXPECT_EQ(treeText("INTF0"), "[]\n\"VISAName\"=\"X0\"\n\"VISAIntfType\"=\"GPIB\"\n"
@@ -110,7 +111,8 @@ TEST(DeviceEntries, AddCreatesTheClassesMarkedForTheInterfaceType) {
         EXPECT_EQ(count(treeText(intf), "AutoIdentify"), marked);
         EXPECT_EQ(count(treeText(intf), "\"AutoIdentify\"=\"0\"\n"), marked);
     }
-    EXPECT_EQ(1u, count(treeText("INTF0"), "[VISADev\\D0::1\\D0::1::EXTRA]\n\"Driver\"=\"XDRV\"\n\"Prefix\"=\"XPFX\"\n"));
+    EXPECT_EQ(1u,
+              count(treeText("INTF0"), "[VISADev\\D0::1\\D0::1::EXTRA]\n\"Driver\"=\"XDRV\"\n\"Prefix\"=\"XPFX\"\n"));
 }
 
 // Adding to an interface without a device list, and clearing one, are the
@@ -136,7 +138,8 @@ TEST(DeviceEntries, AutoConfigFlagIsStoredAsOneWhenMissing) {
     std::string flags;
     for (const char* intf : {"INTF0", "INTF1", "INTF9"}) flags += std::to_string(ConfigStore().IsAutoConfig(intf));
     EXPECT_EQ(flags, "100");
-    EXPECT_EQ(treeText(""), "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
+    EXPECT_EQ(treeText(""),
+              "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
 }
 
 TEST(VisaInfo, IsWrittenOncePerProcessEvenWhenTheFirstWriteFails) {
@@ -162,7 +165,8 @@ TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
     test::TempStore temp;
     putTree("[VISAInfo]\n\"MaxSessNbr\"=dword:000003e8\n\"Logging\"=\"ON\"\n\"SleepMs\"=\"5\"\n"
             "\"Manufacturer\"=\"else\"\n[VISAInfo\\DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"edited\"\n\"Kept\"=\"yes\"\n"
-            "[VISAInfo\\DefaultRsrcs\\EXTRA]\n[VISAInfo\\DefaultRsrcsDrvrs\\INSTR\\Sub]\n[VISAInfo\\DefaultRsrcsDrvrs\\OTHER]\n"
+            "[VISAInfo\\DefaultRsrcs\\EXTRA]\n[VISAInfo\\DefaultRsrcsDrvrs\\INSTR\\Sub]\n"
+            "[VISAInfo\\DefaultRsrcsDrvrs\\OTHER]\n"
             "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG3\\Sub\\Deeper]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG0]\n"
             "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG7]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG8]\n"
             "[VISAInfo\\DefaultIntfRsrcs\\ttltrig5]\n");
@@ -171,7 +175,8 @@ TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
     const std::string text = treeText("VISAInfo");
     for (const char* line : {"\"MaxSessNbr\"=dword:000003e8\n", "\"Logging\"=\"ON\"\n", "\"SleepMs\"=\"5\"\n",
                              "\"Manufacturer\"=\"Tolvane Technologies\"\n", "[DefaultRsrcs\\EXTRA]\n",
-                             "[DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"INSTR\"\n\"Kept\"=\"yes\"\n", "[DefaultIntfRsrcs\\TTLTRIG8]\n"})
+                             "[DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"INSTR\"\n\"Kept\"=\"yes\"\n",
+                             "[DefaultIntfRsrcs\\TTLTRIG8]\n"})
         EXPECT_EQ(1u, count(text, line)) << line << text;
     for (const char* gone : {"DefaultRsrcsDrvrs", "TTLTRIG0", "TTLTRIG3", "TTLTRIG7", "ttltrig5"})
         EXPECT_EQ(0u, count(text, gone)) << gone;

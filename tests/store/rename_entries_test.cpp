@@ -24,32 +24,37 @@ using test::treeText;
 // The names below INTF0's lists, one per line, whatever their length.
 std::string keyNames() {
     std::string names;
-    for (const char* list : {"INTF0\\VISADev", "INTF0\\VISAIntfRsrc"})
-        for (const std::string& name :
-             platform::StoreKey::opened(Registry(list, kRegOpenExisting).handle(), "", platform::kKeyQueryValue).subkeyNames())
-            names += name + "\n";
+    for (const char* list : {"INTF0\\VISADev", "INTF0\\VISAIntfRsrc"}) {
+        const Registry key(list, kRegOpenExisting);
+        const auto holder = platform::StoreKey::opened(key.handle(), "", platform::kKeyQueryValue);
+        for (const std::string& name : holder.subkeyNames()) names += name + "\n";
+    }
     return names;
 }
 
 // Qword and expandable texts are not the run time's and stay behind; a
 // binary value wider than one byte does not read as a flag and becomes 0.
 // Entries that collide: the last renamed writes over the others' values.
+// Values are made in name order, which Wine's registry enumerates them in.
 TEST(RenameIntfEntries, BringsEveryStaleNameInLineKeepingValuesByType) {
     test::TempStore temp;
     const std::string longName(100, 'L');
-    test::putTree("[INTF0]\n\"VISAName\"=\"GPIB0\"\n[INTF0\\VISADev\\gpib0::5]\n[INTF0\\VISADev\\GPIB10::6\\GPIB10::6::INSTR]\n"
-                  "[INTF0\\VISADev\\GPIB1::22\\GPIB0::22::SOCKET\\X1::9]\n[INTF0\\VISADev\\GPIB1::23]\n@=\"default\"\n"
-                  "\"Flag\"=hex:05\n\"Wide\"=hex:07,00,00\n\"Number\"=dword:12345678\n\"Big\"=hex(b):01,01,01,01,01,01,01,01\n"
-                  "\"Path\"=hex(2):25,58,25,00\n\"" + longName + "\"=\"long name\"\n"
-                  "[INTF0\\VISADev\\GPIB0::7]\n\"Driver\"=\"A\"\n\"Extra\"=\"x\"\n"
-                  "[INTF0\\VISADev\\GPIB1::7]\n\"Driver\"=\"B\"\n\"One\"=\"1\"\n[INTF0\\VISADev\\GPIB2::7]\n\"Driver\"=\"C\"\n"
+    test::putTree("[INTF0]\n\"VISAName\"=\"GPIB0\"\n[INTF0\\VISADev\\gpib0::5]\n"
+                  "[INTF0\\VISADev\\GPIB10::6\\GPIB10::6::INSTR]\n"
+                  "[INTF0\\VISADev\\GPIB1::22\\GPIB0::22::SOCKET\\X1::9]\n[INTF0\\VISADev\\GPIB1::23]\n"
+                  "@=\"default\"\n\"Big\"=hex(b):01,01,01,01,01,01,01,01\n\"Flag\"=hex:05\n"
+                  "\"" + longName + "\"=\"long name\"\n\"Number\"=dword:12345678\n\"Path\"=hex(2):25,58,25,00\n"
+                  "\"Wide\"=hex:07,00,00\n[INTF0\\VISADev\\GPIB0::7]\n\"Driver\"=\"A\"\n\"Extra\"=\"x\"\n"
+                  "[INTF0\\VISADev\\GPIB1::7]\n\"Driver\"=\"B\"\n\"One\"=\"1\"\n"
+                  "[INTF0\\VISADev\\GPIB2::7]\n\"Driver\"=\"C\"\n"
                   "[INTF1]\n\"VISAName\"=\"\"\n[INTF1\\VISADev\\GPIB1::1]\n");
     const std::string noVisaName = treeText("INTF1");
     for (const char* intf : {"INTF0", "INTF1"}) ConfigStore().RenameIntfEntries(intf);
     EXPECT_EQ(treeText("INTF0\\VISADev"),
               "[]\n[GPIB0::22]\n[GPIB0::22\\GPIB0::22::SOCKET]\n[GPIB0::22\\GPIB0::22::SOCKET\\X1::9]\n[GPIB0::23]\n"
-              "@=\"default\"\n\"Flag\"=hex:01\n\"Wide\"=hex:00\n\"Number\"=dword:12345678\n\"" + longName + "\"=\"long name\"\n"
-              "[gpib0::5]\n[GPIB0::6]\n[GPIB0::6\\GPIB0::6::INSTR]\n[GPIB0::7]\n\"Driver\"=\"C\"\n\"Extra\"=\"x\"\n\"One\"=\"1\"\n");
+              "@=\"default\"\n\"Flag\"=hex:01\n\"" + longName + "\"=\"long name\"\n\"Number\"=dword:12345678\n"
+              "\"Wide\"=hex:00\n[gpib0::5]\n[GPIB0::6]\n[GPIB0::6\\GPIB0::6::INSTR]\n[GPIB0::7]\n\"Driver\"=\"C\"\n"
+              "\"Extra\"=\"x\"\n\"One\"=\"1\"\n");
     EXPECT_EQ(treeText("INTF1"), noVisaName) << "no VISA name: no interface";
 }
 
