@@ -228,8 +228,7 @@ protected:
 };
 
 TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
-    // The value of VISAAutoConfig in [Cfg232], names written in any case. Where
-    // the profile lies is the tool's every-type test, which reads it for ASRL.
+    // The value of VISAAutoConfig in [Cfg232], names written in any case.
     const std::pair<const char*, int> cases[] = {{"True", 1}, {"TRUE", 0}, {"YES", 0},  {"Yes", 1},
         {"yes", 1}, {"1", 1}, {"0", 0}, {"", 0}, {"tRUE", 0}, {"truely", 0}};
     for (const auto& [value, expected] : cases) {
@@ -240,6 +239,8 @@ TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
     EXPECT_EQ(serialAutoConfigDefault(), 0);
     std::filesystem::create_directories(interfaceProfilePath());
     EXPECT_EQ(serialAutoConfigDefault(), 0) << "a folder where the profile should be";
+    // Where the profile lies, with the platform's separators (the Windows run has only this check).
+    EXPECT_EQ(interfaceProfilePath(), (std::filesystem::path(base_) / "intfcfg" / "intfcfg.ini").string());
 }
 
 // Each type with the serial profile saying True is the tool's end-to-end

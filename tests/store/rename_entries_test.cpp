@@ -26,7 +26,7 @@ std::string keyNames() {
     std::string names;
     for (const char* list : {"INTF0\\VISADev", "INTF0\\VISAIntfRsrc"}) {
         const Registry key(list, kRegOpenExisting);
-        const auto holder = platform::StoreKey::opened(key.handle(), "", platform::kKeyQueryValue);
+        const auto holder = platform::StoreKey::opened(key.handle(), "", platform::kKeyRead);
         for (const std::string& name : holder.subkeyNames()) names += name + "\n";
     }
     return names;
