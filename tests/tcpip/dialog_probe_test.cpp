@@ -1,6 +1,7 @@
-// Test buttons of both LAN dialogs against loopback servers: each outcome's
-// box, every command button off while the probe runs and the window
+// Test buttons of both LAN dialogs against loopback servers: the box owned
+// by the list, every command button off while the probe runs and the window
 // painting meanwhile, and a window closed during the probe cancelling it.
+// Which outcome gives which box is the probe's own test.
 #include <QTimer>
 #include <future>
 
@@ -11,8 +12,6 @@ namespace braxcfg::tcpip {
 namespace {
 
 using namespace test;
-using ui::kIdCancel;
-using ui::ModalScript;
 
 // The built-in VISA: a VISA library installed on the machine must not answer.
 [[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
@@ -21,9 +20,9 @@ using ui::ModalScript;
 // when the probe may end.
 class HeldHislip {
 public:
-    explicit HeldHislip(HislipScript script)
+    HeldHislip()
         : released_(release_.get_future().share()),
-          server_([answer = hislipServer(script, std::make_shared<HislipRecord>()),
+          server_([answer = hislipServer({HislipScript::Reply::InitializeResponse}, std::make_shared<HislipRecord>()),
                    released = released_](Peer& peer) {
               released.wait();
               answer(peer);
@@ -33,7 +32,8 @@ public:
         if (!done_) release_.set_value();
         done_ = true;
     }
-    std::string resource() const { return "TCPIP0::127.0.0.1::hislip0," + std::to_string(server_.port()) + "::INSTR"; }
+    std::string device() const { return "hislip0," + std::to_string(server_.port()); }
+    std::string resource() const { return "TCPIP0::127.0.0.1::" + device() + "::INSTR"; }
 
 private:
     std::promise<void> release_;
@@ -60,97 +60,67 @@ private:
     std::function<void()> onFirst_;
 };
 
-struct Outcome {
-    HislipScript script;
-    bool silent;  // a host that never answers
-    const char* caption;
-    ui::MessageIcon icon;
-};
-
-class DialogProbe : public testing::Test {
+class DialogProbe : public LanListTest {
 protected:
     void SetUp() override {
-        putLanInterface();
+        LanListTest::SetUp();
         putDword(underProduct(), "ResourceTestTimeout", 300);
     }
-    TempStore store_;
+    // One device of INTF2 with the alias "scope" when given.
+    static void putDevice(const std::string& resource, const char* alias = nullptr) {
+        putTree("[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource + "]\n" +
+                (alias ? "[VISADevices]\n\"" + std::string(alias) + "\"=\"" + resource + "\"\n" : ""));
+    }
 };
 
-TEST_F(DialogProbe, ListTestShowsEachOutcomeWhileTheWindowPaints) {
-    const Outcome outcomes[] = {
-        {{HislipScript::Reply::InitializeResponse}, false, "Resource Found", ui::MessageIcon::Information},
-        {{HislipScript::Reply::FatalError, 3}, false, "Host Located But Resource Not Found", ui::MessageIcon::Question},
-        {{}, true, "Resource Not Found", ui::MessageIcon::Stop},
-    };
-    for (const Outcome& outcome : outcomes) {
-        SCOPED_TRACE(outcome.caption);
-        HeldHislip server(outcome.script);
-        SilentListener silent;
-        const std::string resource =
-            outcome.silent ? "TCPIP0::127.0.0.1::hislip0," + std::to_string(silent.port()) + "::INSTR"
-                           : server.resource();
-        putTree("[-INTF2\\VISADev]\n[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource +
-                "]\n[-VISADevices]\n[VISADevices]\n\"scope\"=\"" + resource + "\"\n");
-        ModalScript script;
-        ui::MessageBoxCapture boxes;
-        std::string duringProbe;
-        int paintsDuringProbe = 0;
-        const tcpipshowdev* list = nullptr;
-        script.expect<tcpipshowdev>([&](tcpipshowdev& dialog) {
-            list = &dialog;
-            dialog.m_deviceList.setSel(0, true);
-            std::unique_ptr<PaintWatch> watch;
-            QTimer::singleShot(0, &dialog, [&] {
-                // Inside the probe's event loop.
-                duringProbe = enabledButtons(dialog);
-                watch = std::make_unique<PaintWatch>(dialog, [&] { server.release(); });
-                dialog.update();
-            });
-            press(dialog, "&Test device");
-            paintsDuringProbe = watch ? watch->paints : 0;
-            watch.reset();
-            EXPECT_EQ(enabledButtons(dialog), "OCAETR");
-            if (std::string(outcome.caption) == "Resource Found") screenshot(dialog, "tcpipshowdev_after_test");
-            press(dialog, "&Cancel");
+TEST_F(DialogProbe, ListTestShowsItsBoxOwnedByTheListWhileTheWindowPaints) {
+    HeldHislip server;
+    putDevice(server.resource(), "scope");
+    std::string duringProbe;
+    int paintsDuringProbe = 0;
+    const tcpipshowdev* list = nullptr;
+    runList([&](tcpipshowdev& dialog) {
+        list = &dialog;
+        dialog.m_deviceList.setSel(0, true);
+        std::unique_ptr<PaintWatch> watch;
+        QTimer::singleShot(0, &dialog, [&] {  // inside the probe's event loop
+            duringProbe = enabledButtons(dialog);
+            watch = std::make_unique<PaintWatch>(dialog, [&] { server.release(); });
+            dialog.update();
         });
-        runLanList();
-        EXPECT_EQ(duringProbe, "------");
-        EXPECT_GE(paintsDuringProbe, 1);
-        ASSERT_EQ(boxes.requests().size(), 1u);
-        EXPECT_EQ(boxes.requests()[0].caption, outcome.caption);
-        EXPECT_EQ(boxes.requests()[0].icon, outcome.icon);
-        EXPECT_EQ(boxes.requests()[0].owner, list);
-        const std::string found = "The resource 'scope' was found.\n\n(" + resource + ")";
-        EXPECT_EQ(boxes.requests()[0].text,
-                  outcome.icon == ui::MessageIcon::Information ? found
-                                                                : "The resource '" + resource + "' was not found.");
-        EXPECT_EQ(problems(script), "");
-    }
+        press(dialog, "&Test device");
+        paintsDuringProbe = watch ? watch->paints : 0;
+        watch.reset();
+        EXPECT_EQ(enabledButtons(dialog), "OCAETR");
+        screenshot(dialog, "tcpipshowdev_after_test");
+        press(dialog, "&Cancel");
+    });
+    EXPECT_EQ(duringProbe, "------");
+    EXPECT_GE(paintsDuringProbe, 1);
+    ASSERT_EQ(boxes_.requests().size(), 1u);
+    EXPECT_EQ(boxes_.requests()[0].owner, list);
+    EXPECT_EQ(boxes_.requests()[0].text, "The resource 'scope' was found.\n\n(" + server.resource() + ")");
 }
 
 TEST_F(DialogProbe, AddDialogTestUsesTheAliasOfTheLastFieldEditAndClosingCancels) {
-    HeldHislip server({HislipScript::Reply::InitializeResponse});
-    ModalScript script;
-    ui::MessageBoxCapture boxes;
+    HeldHislip server;
     std::string duringProbe;
-    script.expect<tcpipshowdev>([&](tcpipshowdev& dialog) {
-        script.expect<tcpipnewdev>([&](tcpipnewdev& child) {
+    runList([&](tcpipshowdev& dialog) {
+        script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
             typeInto(child, "aliasEdit", "first");
             typeInto(child, "hostEdit", "127.0.0.1");
-            typeInto(child, "deviceEdit", server.resource().substr(19, server.resource().size() - 19 - 7));
+            typeInto(child, "deviceEdit", server.device());
             typeInto(child, "aliasEdit", "typed later");  // exchanged by no edit of host or device
             QTimer::singleShot(0, &child, [&] {
-                duringProbe = std::string(child.findChild<QPushButton*>("okButton")->isEnabled() ? "O" : "-") +
-                              (child.findChild<QPushButton*>("cancelButton")->isEnabled() ? "C" : "-") +
-                              (child.findChild<QPushButton*>("testButton")->isEnabled() ? "T" : "-") +
-                              (field(child, "deviceEdit")->isEnabled() ? "D" : "-");
+                for (const char* name : {"okButton", "cancelButton", "testButton", "deviceEdit"})
+                    duringProbe += child.findChild<QWidget*>(name)->isEnabled() ? "+" : "-";
                 screenshot(child, "tcpipnewdev_testing");
                 server.release();
             });
             press(child, "&Test");
-            ASSERT_EQ(boxes.requests().size(), 1u);
-            EXPECT_EQ(boxes.requests()[0].text, "The resource 'first' was found.\n\n(" + server.resource() + ")");
-            EXPECT_EQ(boxes.requests()[0].owner, &dialog);
+            ASSERT_EQ(boxes_.requests().size(), 1u);
+            EXPECT_EQ(boxes_.requests()[0].text, "The resource 'first' was found.\n\n(" + server.resource() + ")");
+            EXPECT_EQ(boxes_.requests()[0].owner, &dialog);
             screenshot(child, "tcpipnewdev_add");
 
             // Escape while a probe runs against a silent host: the probe
@@ -165,27 +135,20 @@ TEST_F(DialogProbe, AddDialogTestUsesTheAliasOfTheLastFieldEditAndClosingCancels
         EXPECT_EQ(listEntries(dialog), std::vector<std::string>{});
         press(dialog, "&Cancel");
     });
-    runLanList();
     EXPECT_EQ(duringProbe, "----");
-    EXPECT_EQ(boxes.requests().size(), 1u);
-    EXPECT_EQ(problems(script), "");
+    EXPECT_EQ(boxes_.requests().size(), 1u);
 }
 
 TEST_F(DialogProbe, ClosingTheListDuringItsTestCancelsAndCloses) {
     SilentListener silent;
     putDword(underProduct(), "ResourceTestTimeout", 60000);  // only the close can end it soon
-    const std::string resource = "TCPIP0::127.0.0.1::hislip0," + std::to_string(silent.port()) + "::INSTR";
-    putTree("[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource + "]\n");
-    ModalScript script;
-    ui::MessageBoxCapture boxes;
-    script.expect<tcpipshowdev>([&](tcpipshowdev& dialog) {
+    putDevice("TCPIP0::127.0.0.1::hislip0," + std::to_string(silent.port()) + "::INSTR");
+    EXPECT_EQ(runList([&](tcpipshowdev& dialog) {
         dialog.m_deviceList.setSel(0, true);
         QTimer::singleShot(0, &dialog, [&] { dialog.close(); });
         press(dialog, "&Test device");
-    });
-    EXPECT_EQ(runLanList(), kIdCancel);
-    EXPECT_EQ(boxes.requests().size(), 0u);
-    EXPECT_EQ(problems(script), "");
+    }), ui::kIdCancel);
+    EXPECT_EQ(boxes_.requests().size(), 0u);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #pragma once
 // What the LAN dialog tests share: a store with one TCPIP interface and the
-// default resource classes, the list's entries, its buttons and the store's
-// devices and aliases as text.
+// default resource classes, the list run under a script, its entries, its
+// buttons and typing into a field.
 #include <QListView>
 #include <QPushButton>
 #include <string>
@@ -16,27 +16,31 @@
 
 namespace braxcfg::test {
 
-// INTF2 is TCPIP0 with INSTR and SOCKET resources, KORL name "lan0".
-inline void putLanInterface() {
-    putTree(
-        "[INTF2]\n\"VISAName\"=\"TCPIP0\"\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAKorlIntfName\"=\"lan0\"\n"
-        "[INTF2\\VISADev]\n"
-        "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"lan\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n"
-        "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"sock\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n");
-}
+// INTF2 is TCPIP0 with INSTR and SOCKET resources, KORL name "lan0"; `act`
+// drives its list, opened as the workflow opens it.
+class LanListTest : public testing::Test {
+protected:
+    void SetUp() override {
+        putTree("[INTF2]\n\"VISAName\"=\"TCPIP0\"\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAKorlIntfName\"=\"lan0\"\n"
+                "[INTF2\\VISADev]\n"
+                "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"lan\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n"
+                "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"sock\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n");
+    }
+    int runList(std::function<void(tcpip::tcpipshowdev&)> act, bool editable = true) {
+        script_.expect<tcpip::tcpipshowdev>(std::move(act));
+        const store::ConfigStore config;
+        tcpip::tcpipshowdev dialog(nullptr);
+        dialog.Init(&config, "INTF2", "TCPIP0", editable, 1);
+        const int result = dialog.doModal();
+        EXPECT_EQ(problems(script_), "");
+        return result;
+    }
+    TempStore store_;
+    ui::ModalScript script_;
+    ui::MessageBoxCapture boxes_;
+};
 
-// Opens the list of INTF2 (TCPIP0) as the workflow does, for a script to
-// drive; returns how it ended.
-inline int runLanList(bool editable = true) {
-    const store::ConfigStore config;
-    tcpip::tcpipshowdev dialog(nullptr);
-    dialog.Init(&config, "INTF2", "TCPIP0", editable, 1);
-    return dialog.doModal();
-}
-
-inline std::vector<std::string> listEntries(const tcpip::tcpipshowdev& dialog) {
-    return dialog.m_deviceList.items();
-}
+inline std::vector<std::string> listEntries(const tcpip::tcpipshowdev& dialog) { return dialog.m_deviceList.items(); }
 
 // Which of OK, Cancel, Add, Edit, Test, Remove are enabled, as "OCAETR"
 // with '-' for a disabled one.
@@ -58,12 +62,6 @@ inline void typeInto(QWidget& dialog, const char* name, const std::string& text)
         QTest::keyClick(edit, Qt::Key_Delete);
     else
         QTest::keyClicks(edit, ui::toQString(text));
-}
-
-// Types letters a keyboard layout may not have a key for (QTest's key
-// clicks know only Latin-1 keys), as key events carrying the text.
-inline void typeLetters(QLineEdit* edit, const QString& text) {
-    for (const QChar letter : text) QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, QString(letter), Qt::NoModifier);
 }
 
 }  // namespace braxcfg::test
