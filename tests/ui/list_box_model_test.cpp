@@ -76,13 +76,13 @@ TEST(ListBoxModel, BadIndicesFailWithoutChangeAndSelectionTravelsWithItems) {
     EXPECT_EQ(model.count() + model.selCount(), 0);
 }
 
-TEST(ListBoxModel, ViewShowsItemsAndSharesTheSelection) {
+TEST(ListBoxModel, ViewShowsItemsAsCp1252AndSharesTheSelection) {
     ListBoxModel model;
-    fill(model, {"GPIB0::1", "GPIB0::2", "GPIB0::3"});
+    fill(model, {"GPIB0::1", "\tTCPIP0::caf\xe9::inst0::INSTR", "GPIB0::3"});
     QListView view;
     model.attach(view);
     view.show();
-    EXPECT_EQ(view.model()->index(1, 0).data().toString(), QStringLiteral("GPIB0::2"));
+    EXPECT_EQ(view.model()->index(1, 0).data().toString(), QString::fromUtf8("\tTCPIP0::caf\u00e9::inst0::INSTR"));
     // Extended selection: a click picks one, Ctrl+click adds another.
     const auto click = [&](int row, Qt::KeyboardModifiers keys) {
         QTest::mouseClick(view.viewport(), Qt::LeftButton, keys, view.visualRect(model.index(row)).center());
