@@ -5,65 +5,49 @@
 #include <gtest/gtest.h>
 
 #include "fake_autocf.h"
-#include "store/config_store.h"
 #include "temp_store.h"
 #include "tree_text.h"
 
 namespace braxcfg::dialogs {
 namespace {
 
-using Report = test::FakeAutocf::Report;
 using Names = std::vector<std::string>;
 
 constexpr visa::ViStatus kTimeout = visa::VI_ERROR_TMO;
-
-std::string storedDevices() {
-    std::string text;
-    for (std::uint32_t n = 0;; ++n) {
-        const std::string name = store::ConfigStore().GetDeviceName("INTF0", n);
-        if (name.empty()) return text;
-        text += name + ";";
-    }
-}
+const std::string kVisaTimeout = "VISA Error (0xbfff0015) occurred. " + test::FakeAutocf::statusDescription(kTimeout);
 
 struct SearchCase {
     const char* name;
     const char* typeWord;
     Names stored;
     visa::ViStatus resetStatus;
-    std::vector<Report> reports;
+    std::vector<test::FakeAutocf::Report> reports;
     std::set<std::string> absent;
-    // Expected.
-    Names known;
-    Names found;
-    Names messages;
-    const char* storeAfter;
+    Names known, found, messages, storeAfter;  // expected
     int nextCalls;
 };
 
-const std::string kVisaTimeout = "VISA Error (0xbfff0015) occurred. " + test::fakeStatusDescription(kTimeout);
-
 const SearchCase kCases[] = {
     {"NewestFirstAndWrittenAtOnce", "GPIB", {"GPIB0::1"}, 0, {{"GPIB0::4"}, {"GPIB0::2"}, {"GPIB0::3"}}, {},
-     {"GPIB0::1"}, {"GPIB0::3", "GPIB0::2", "GPIB0::4"}, {}, "GPIB0::1;GPIB0::2;GPIB0::3;GPIB0::4;", 4},
+     {"GPIB0::1"}, {"GPIB0::3", "GPIB0::2", "GPIB0::4"}, {}, {"GPIB0::1", "GPIB0::2", "GPIB0::3", "GPIB0::4"}, 4},
     {"KnownAndRepeatedDevicesAreNotNew", "GPIB", {"GPIB0::1"}, 0, {{"GPIB0::1"}, {"GPIB0::7"}, {"GPIB0::7"}}, {},
-     {"GPIB0::1"}, {"GPIB0::7"}, {}, "GPIB0::1;GPIB0::7;", 4},
+     {"GPIB0::1"}, {"GPIB0::7"}, {}, {"GPIB0::1", "GPIB0::7"}, 4},
     // The list compares with case; the store's key names do not, so the
     // "new" device lands in the entry it already has.
     {"NamesCompareWithCase", "GPIB", {"gpib0::7"}, 0, {{"GPIB0::7"}}, {}, {"gpib0::7"}, {"GPIB0::7"}, {},
-     "gpib0::7;", 2},
-    {"FailingResetSearchesNothing", "GPIB", {}, kTimeout, {{"GPIB0::4"}}, {}, {}, {}, {kVisaTimeout}, "", 0},
+     {"gpib0::7"}, 2},
+    {"FailingResetSearchesNothing", "GPIB", {}, kTimeout, {{"GPIB0::4"}}, {}, {}, {}, {kVisaTimeout}, {}, 0},
     {"ResourceNotFoundGivesTheLongMessage", "GPIB", {}, 0, {{"GPIB0::4"}, {"", visa::VI_ERROR_RSRC_NFOUND}}, {},
-     {}, {"GPIB0::4"}, {kAutoAddErrorMessage}, "GPIB0::4;", 2},
+     {}, {"GPIB0::4"}, {kAutoAddErrorMessage}, {"GPIB0::4"}, 2},
     {"OtherErrorsKeepWhatWasFound", "GPIB", {}, 0, {{"GPIB0::4"}, {"", kTimeout}, {"GPIB0::5"}}, {}, {},
-     {"GPIB0::4"}, {kVisaTimeout}, "GPIB0::4;", 2},
+     {"GPIB0::4"}, {kVisaTimeout}, {"GPIB0::4"}, 2},
     {"WithoutNextDeviceTheSearchIsEmpty", "GPIB", {}, 0, {{"GPIB0::4"}}, {"AUTOCF_autoConfigNextDev"}, {}, {}, {},
-     "", 0},
+     {}, 0},
     {"WithoutResetTheSearchGoesOn", "GPIB", {}, 0, {{"GPIB0::4"}}, {"AUTOCF_autoConfigReset"}, {}, {"GPIB0::4"},
-     {}, "GPIB0::4;", 2},
+     {}, {"GPIB0::4"}, 2},
     {"SuccessWithoutADeviceEndsTheSearch", "GPIB", {}, 0, {{"GPIB0::4"}, {"", 0, false}, {"GPIB0::5"}}, {}, {},
-     {"GPIB0::4"}, {}, "GPIB0::4;", 2},
-    {"GpibVxiErrorStillClosesTheSession", "GPIB-VXI", {}, 0, {{"", kTimeout}}, {}, {}, {}, {kVisaTimeout}, "", 1},
+     {"GPIB0::4"}, {}, {"GPIB0::4"}, 2},
+    {"GpibVxiErrorStillClosesTheSession", "GPIB-VXI", {}, 0, {{"", kTimeout}}, {}, {}, {}, {kVisaTimeout}, {}, 1},
 };
 
 class AutoConfigSearch : public ::testing::TestWithParam<SearchCase> {};
@@ -79,29 +63,21 @@ TEST_P(AutoConfigSearch, ReportsWritesAndCallsTheModule) {
     module.resetStatus = c.resetStatus;
     module.reports = c.reports;
     module.absent = c.absent;
-
-    store::ConfigStore configStore;
-    StoreDevices devices(configStore, "INTF0");
     Names messages;
-    const AutoConfigResult result = runAutoConfigSearch(
-        "INTF0", "GPIB0", devices, {[&](const std::string& text) { messages.push_back(text); }, nullptr});
-
+    const AutoConfigResult result = test::searchIntf0(messages);
     EXPECT_EQ(result.knownDevices, c.known);
     EXPECT_EQ(result.newDevices, c.found);
     EXPECT_EQ(messages, c.messages);
-    EXPECT_EQ(storedDevices(), c.storeAfter);
+    EXPECT_EQ(store::ConfigStore().GetDeviceNames("INTF0"), c.storeAfter);
     EXPECT_EQ(module.nextCalls, c.nextCalls);
     // Each entry point is looked up again before each call.
     EXPECT_EQ(module.lookups["AUTOCF_autoConfigReset"], 1);
     EXPECT_EQ(module.lookups["AUTOCF_autoConfigNextDev"], c.resetStatus == 0 ? std::max(c.nextCalls, 1) : 0);
     EXPECT_EQ(module.lookups["AUTOCF_autoConfigDone"], 1);
     EXPECT_EQ(module.dones, 1);
-    if (!c.absent.count("AUTOCF_autoConfigReset")) {
-        EXPECT_EQ(module.resetIntfName, "GPIB0");
-    }
+    EXPECT_EQ(module.resetIntfName, c.absent.count("AUTOCF_autoConfigReset") ? "" : "GPIB0");
     // Only a GPIB-VXI interface holds a session, and it is closed whatever happened.
-    const bool gpibVxi = std::string(c.typeWord) == "GPIB-VXI";
-    EXPECT_EQ(module.opened.size(), gpibVxi ? 1u : 0u);
+    EXPECT_EQ(module.opened.size(), std::string(c.typeWord) == "GPIB-VXI" ? 1u : 0u);
     EXPECT_EQ(module.closed, module.opened);
 }
 
@@ -113,11 +89,8 @@ TEST(AutoConfigSearch, MissingModuleIsAnEmptySearchWithoutMessageOrDone) {
     test::putInterface("INTF0", "GPIB0", "GPIB");
     test::FakeAutocf module;
     module.moduleMissing = true;
-    store::ConfigStore configStore;
-    StoreDevices devices(configStore, "INTF0");
     Names messages;
-    const auto result = runAutoConfigSearch("INTF0", "GPIB0", devices,
-                                            {[&](const std::string& text) { messages.push_back(text); }, nullptr});
+    const AutoConfigResult result = test::searchIntf0(messages);
     EXPECT_TRUE(result.newDevices.empty());
     EXPECT_TRUE(messages.empty());
     EXPECT_EQ(module.dones, 0);

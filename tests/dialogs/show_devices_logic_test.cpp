@@ -21,6 +21,7 @@ TEST(ShowDevicesLogic, ControlTableDuplicatesAndRemovalOrder) {
     const std::vector<std::string> items = {"GPIB0::3", "gpib0::24", "GPIB0::24"};
     EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::24"), "GPIB0::24 is a duplicate device name.");
     EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::2"), std::nullopt);
+    EXPECT_EQ(duplicateDeviceMessage({"gpib0::24"}, "GPIB0::24"), std::nullopt);  // case counts
     EXPECT_EQ(removalOrder({0, 4, 7}), (std::vector<int>{7, 4, 0}));
     EXPECT_EQ(showDevicesTitle("GPIB-VXI0"), "Devices present on interface GPIB-VXI0:");
 }

@@ -1,5 +1,6 @@
 // CShowDevices driven through its buttons, with the new-device and
-// auto-configuration dialogs scripted, against a store of its own.
+// auto-configuration dialogs scripted, against a store of its own. Its
+// rules are the logic test's; here they reach the widgets and the store.
 #include "dialogs/show_devices.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 #include "dialogs/ready_auto_config.h"
 #include "fake_autocf.h"
 #include "store/config_store.h"
-#include "store/device_list_write.h"
 #include "store_write_lock.h"
 #include "tree_text.h"
 #include "ui/testing/message_box_capture.h"
@@ -21,6 +21,7 @@ namespace braxcfg::dialogs {
 namespace {
 
 using Names = std::vector<std::string>;
+using test::press;
 
 // GPIB0 with three devices, stored (and so listed) in the store's order;
 // INSTR and SOCKET classes for GPIB, so the class filter shows.
@@ -30,27 +31,22 @@ const char* const kStore =
     "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INSTR\"\n\"GPIB\"=hex:01\n"
     "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"SOCK\"\n\"PrefixName\"=\"SOCKET\"\n\"GPIB\"=hex:01\n";
 
+// The steps are scripted first, the device list's own first of all.
 class ShowDevicesTest : public ::testing::Test {
 protected:
     void SetUp() override { test::putTree(kStore); }
-
-    // Runs the dialog on INTF0 with `act` as the person in front of it;
-    // `nested` scripts the dialogs that `act` opens.
-    int run(std::function<void(CShowDevices&)> act, std::function<void()> nested = {}, bool editable = true,
-            bool autoAdd = true) {
-        script_.expect<CShowDevices>(std::move(act));
-        if (nested) nested();
+    int run(bool autoAdd = true) {
         CShowDevices dialog(nullptr);
-        dialog.Init(store_, "INTF0", "GPIB0", "INSTR", editable, autoAdd);
+        dialog.Init(store_, "INTF0", "GPIB0", "INSTR", true, autoAdd);
         const int result = dialog.doModal();
         EXPECT_EQ(test::problems(script_), "");
         return result;
     }
-    // Scripts one "&Add device" with `address` typed and OK pressed.
+    // One "&Add device" with `address` typed and OK pressed.
     void expectNewDevice(const std::string& address) {
         script_.expect<CNewDevice>([address](CNewDevice& dialog) {
             QTest::keyClicks(dialog.findChild<QLineEdit*>("addressEdit"), ui::toQString(address));
-            test::press(dialog, "OK");
+            press(dialog, "OK");
         });
     }
 
@@ -60,111 +56,80 @@ protected:
     ui::MessageBoxCapture boxes_;
 };
 
-void selectItems(CShowDevices& dialog, const std::vector<int>& rows) {
-    for (int row : rows) dialog.m_deviceList.setSel(row, true);
-}
-
-TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAndAddsSorted) {
-    run([](CShowDevices& dialog) {
+TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsSortedRemovesAndOkRewritesTheStore) {
+    script_.expect<CShowDevices>([](CShowDevices& dialog) {
         EXPECT_EQ(test::shownText(dialog, "titleLabel"), "Devices present on interface GPIB0:");
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::10", "GPIB0::3", "GPIB0::30"}));
         test::screenshot(dialog, "show_devices_opened");
-        test::press(dialog, "&Add device");
+        press(dialog, "&Add device");
+        press(dialog, "&Add device");  // the same again: refused
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::10", "GPIB0::24", "GPIB0::3", "GPIB0::30"}));
-        test::press(dialog, "&Add device");
-        EXPECT_EQ(dialog.m_deviceList.count(), 4);
-        test::press(dialog, "Cancel");
-    }, [this] { expectNewDevice("24"), expectNewDevice("24"); });
-    EXPECT_EQ(boxes_.texts(), Names{"GPIB0::24 is a duplicate device name."});
-    // Cancel after an addition leaves the store as it was.
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 1), "GPIB0::3");
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 3), "");
-}
-
-TEST_F(ShowDevicesTest, DuplicateCheckKeepsCase) {
-    test::putTree("[-INTF0\\VISADev]\n[INTF0\\VISADev\\gpib0::24]\n");
-    run([](CShowDevices& dialog) {
-        test::press(dialog, "&Add device");
-        // An equal item (ignoring case) is found and the new one goes before it.
-        EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::24", "gpib0::24"}));
-        test::press(dialog, "Cancel");
-    }, [this] { expectNewDevice("24"); });
-    EXPECT_TRUE(boxes_.texts().empty());
-}
-
-TEST_F(ShowDevicesTest, RemovesEverySelectedItemAndOkRewritesTheStore) {
-    run([](CShowDevices& dialog) {
-        selectItems(dialog, {0, 2});
-        test::press(dialog, "&Remove device");
-        EXPECT_EQ(dialog.m_deviceList.items(), Names{"GPIB0::3"});
-        test::press(dialog, "&Remove device");  // nothing selected: nothing happens
-        EXPECT_EQ(dialog.m_deviceList.count(), 1);
+        for (int row : {0, 3}) dialog.m_deviceList.setSel(row, true);
+        press(dialog, "&Remove device");
+        press(dialog, "&Remove device");  // nothing selected: nothing happens
+        EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::24", "GPIB0::3"}));
         dialog.findChild<QCheckBox*>("identifyCheck")->setChecked(true);
-        test::press(dialog, "OK");
+        press(dialog, "OK");
     });
+    expectNewDevice("24");
+    expectNewDevice("24");
+    EXPECT_EQ(run(), ui::kIdOk);
+    EXPECT_EQ(boxes_.texts(), Names{"GPIB0::24 is a duplicate device name."});
     // The flag, and the list with only the interface's resource type.
     EXPECT_EQ(test::treeText("INTF0"),
               "[]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfig\"=hex:01\n[VISADev]\n"
+              "[VISADev\\GPIB0::24]\n[VISADev\\GPIB0::24\\GPIB0::24::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n"
               "[VISADev\\GPIB0::3]\n[VISADev\\GPIB0::3\\GPIB0::3::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n");
 }
 
 TEST_F(ShowDevicesTest, RemoveTakesAtMostTheFirst256SelectedItems) {
     test::putTree("[-INTF0\\VISADev]\n");
-    run([](CShowDevices& dialog) {
+    script_.expect<CShowDevices>([](CShowDevices& dialog) {
         for (int i = 0; i < 300; ++i) dialog.m_deviceList.insertString(-1, "GPIB0::" + std::to_string(i));
         dialog.m_deviceList.setSel(-1, true);
-        test::press(dialog, "&Remove device");
+        press(dialog, "&Remove device");
         EXPECT_EQ(dialog.m_deviceList.count(), 44);
         EXPECT_EQ(dialog.m_deviceList.text(0), "GPIB0::256");
-        test::press(dialog, "Cancel");
+        press(dialog, "Cancel");
     });
+    run();
 }
 
-TEST_F(ShowDevicesTest, OkWithAnEmptyListClearsTheInterface) {
-    run([](CShowDevices& dialog) {
-        selectItems(dialog, {0, 1, 2});
-        test::press(dialog, "&Remove device");
-        test::press(dialog, "OK");
+TEST_F(ShowDevicesTest, AutoAddNotAllowedDisablesItAndTheCheckBoxOnlyAndCancelWritesNothing) {
+    const std::string before = test::treeText("INTF0");
+    script_.expect<CShowDevices>([](CShowDevices& dialog) {
+        std::string enabled;
+        for (const char* text : {"&Add device", "&Remove device", "A&uto Add devices", "&Identify devices at run-time"})
+            enabled += test::buttonsLabelled(dialog, text).at(0)->isEnabled() ? '+' : '-';
+        EXPECT_EQ(enabled, "++--");
+        test::screenshot(dialog, "show_devices_no_auto_add");
+        press(dialog, "&Add device");
+        press(dialog, "Cancel");
     });
-    EXPECT_EQ(test::treeText("INTF0\\VISADev"), "[]\n");
-}
-
-// The control table itself is the logic test's; here: it reaches the widgets.
-TEST_F(ShowDevicesTest, AutoAddNotAllowedDisablesItAndTheCheckBoxOnly) {
-    run(
-        [](CShowDevices& dialog) {
-            EXPECT_TRUE(test::buttonsLabelled(dialog, "&Add device")[0]->isEnabled());
-            EXPECT_TRUE(test::buttonsLabelled(dialog, "&Remove device")[0]->isEnabled());
-            EXPECT_FALSE(test::buttonsLabelled(dialog, "A&uto Add devices")[0]->isEnabled());
-            EXPECT_FALSE(dialog.findChild<QCheckBox*>("identifyCheck")->isEnabled());
-            test::screenshot(dialog, "show_devices_no_auto_add");
-            test::press(dialog, "Cancel");
-        },
-        {}, true, false);
+    expectNewDevice("24");
+    EXPECT_EQ(run(false), ui::kIdCancel);
+    EXPECT_EQ(test::treeText("INTF0"), before);
 }
 
 TEST_F(ShowDevicesTest, AutoAddFillsTheListAndWritesOnlyOnOk) {
     test::FakeAutocf module;
     module.reports = {{"GPIB0::3"}, {"GPIB0::8"}, {"GPIB0::1"}};
     script_.expect<CShowDevices>([&](CShowDevices& dialog) {
-        test::press(dialog, "A&uto Add devices");
+        press(dialog, "A&uto Add devices");
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::1", "GPIB0::10", "GPIB0::3", "GPIB0::30", "GPIB0::8"}));
         EXPECT_EQ(store_.GetDeviceName("INTF0", 3), "");  // not yet written
         test::screenshot(dialog, "show_devices_after_auto_add");
-        test::press(dialog, "OK");
+        press(dialog, "OK");
     });
-    script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) { test::press(dialog, "&Continue"); });
+    script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) { press(dialog, "&Continue"); });
     script_.expect<CDoneAutoConfig>([](CDoneAutoConfig& dialog) {
         EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB0");
         EXPECT_EQ(dialog.m_knownList.items(), (Names{"GPIB0::10", "GPIB0::3", "GPIB0::30"}));
         EXPECT_EQ(dialog.m_newList.items(), (Names{"GPIB0::1", "GPIB0::8"}));
         test::screenshot(dialog, "done_auto_config_list_mode");
-        test::press(dialog, "OK");
+        press(dialog, "OK");
     });
-    CShowDevices dialog(nullptr);
-    dialog.Init(store_, "INTF0", "GPIB0", "INSTR", true, true);
-    dialog.doModal();
-    EXPECT_EQ(test::problems(script_), "");
+    run();
     EXPECT_EQ(store_.GetDeviceName("INTF0", 0), "GPIB0::1");
     EXPECT_EQ(store_.GetDeviceName("INTF0", 4), "GPIB0::8");
 }
@@ -172,13 +137,17 @@ TEST_F(ShowDevicesTest, AutoAddFillsTheListAndWritesOnlyOnOk) {
 TEST_F(ShowDevicesTest, CancelInTheReadyDialogNeverLoadsTheModule) {
     test::FakeAutocf module;
     module.reports = {{"GPIB0::8"}};
-    run([](CShowDevices& dialog) {
-        test::press(dialog, "A&uto Add devices");
+    script_.expect<CShowDevices>([](CShowDevices& dialog) {
+        press(dialog, "A&uto Add devices");
         EXPECT_EQ(dialog.m_deviceList.count(), 3);
-        test::press(dialog, "Cancel");
-    }, [this] {
-        script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) { test::press(dialog, "Cancel"); });
+        press(dialog, "Cancel");
     });
+    script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) {
+        EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB0");
+        test::screenshot(dialog, "ready_auto_config");
+        press(dialog, "Cancel");
+    });
+    run();
     EXPECT_TRUE(module.lookups.empty());
 }
 
@@ -188,19 +157,17 @@ TEST_F(ShowDevicesTest, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
     test::StoreWriteLock other(file_.path());
     ASSERT_TRUE(other.held());
     const std::string before = test::treeText("INTF0");
-    const int result = run([&](CShowDevices& dialog) {
-        test::press(dialog, "&Add device");
-        test::press(dialog, "OK");
+    script_.expect<CShowDevices>([&](CShowDevices& dialog) {
+        press(dialog, "&Add device");
+        press(dialog, "OK");
         EXPECT_TRUE(dialog.isVisible());
-        EXPECT_EQ(dialog.m_deviceList.count(), 4);
+        EXPECT_EQ(boxes_.texts(), Names{platform::storeFailureMessage(platform::StoreFailure::Busy)});
         EXPECT_EQ(test::treeText("INTF0"), before);
         other.release();
-        test::press(dialog, "OK");
-    }, [this] { expectNewDevice("24"); });
-    EXPECT_EQ(result, ui::kIdOk);
-    ASSERT_EQ(boxes_.texts().size(), 1u);
-    EXPECT_EQ(boxes_.texts()[0], platform::storeFailureMessage(platform::StoreFailure::Busy));
-    EXPECT_NE(test::treeText("INTF0"), before);
+        press(dialog, "OK");
+    });
+    expectNewDevice("24");
+    EXPECT_EQ(run(), ui::kIdOk);
     EXPECT_EQ(store_.GetDeviceName("INTF0", 1), "GPIB0::24");
 }
 
