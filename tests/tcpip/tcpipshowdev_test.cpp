@@ -61,7 +61,7 @@ TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexThenButtonsFol
     }
 }
 
-TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
+TEST_F(TcpipShowDev, AddWithAutomaticAliasKeepsItsWeakDuplicateChecksThenOkWrites) {
     putTree("[VISADevices]\n\"TcpipDevice1\"=\"TCPIP0::old::inst0::INSTR\"\n\"tcpipdevice2\"=\"TCPIP0::x::1::SOCKET\"\n");
     EXPECT_EQ(runList([&](tcpipshowdev& dialog) {
         script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
@@ -74,13 +74,18 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
             press(child, "&OK");
         });
         expectAdd(script_, "myhost", "", std::string());  // no alias
+        expectAdd(script_, "myhost", "", "TCPIPDEVICE1");  // the same resource; a taken alias in other case
         press(dialog, "&Add device");
         EXPECT_EQ(enabledButtons(dialog), "OCA---");
         press(dialog, "&Add device");
-        EXPECT_EQ(listEntries(dialog),
-                  (Entries{"\tTCPIP0::myhost::inst0::INSTR", "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
+        press(dialog, "&Add device");
+        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::myhost::inst0::INSTR", "TCPIPDEVICE1\tTCPIP0::myhost::inst0::INSTR",
+                                                "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
         press(dialog, "&OK");
     }), kIdOk);
+    // No message for the third: the device check compares whole entries with
+    // the bare string, and the alias check the automatic name; the list
+    // gains the entry, the aliases do not.
     EXPECT_EQ(boxes_.texts(), Entries{});
     EXPECT_EQ(treeText("INTF2\\VISADev"),
               "[]\n[TCPIP0::127.0.0.1::5025]\n[TCPIP0::127.0.0.1::5025\\TCPIP0::127.0.0.1::5025::SOCKET]\n"
@@ -90,21 +95,6 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
                                        "\"tcpipdevice2\"=\"TCPIP0::x::1::SOCKET\"\n"
                                        "\"TcpipDevice3\"=\"TCPIP0::127.0.0.1::5025::SOCKET\"\n");
     EXPECT_EQ(treeText("Devices"), "[]\n\"TcpipDevice3\"=\"lan0,5025[127.0.0.1]\"\n");
-}
-
-TEST_F(TcpipShowDev, AddKeepsItsWeakDuplicateChecks) {
-    putTree("[INTF2\\VISADev\\TCPIP0::h::inst0\\TCPIP0::h::inst0::INSTR]\n"
-            "[VISADevices]\n\"Scope\"=\"TCPIP0::s::inst0::INSTR\"\n");
-    runList([&](tcpipshowdev& dialog) {
-        expectAdd(script_, "h", "inst0", "scope");  // same resource, same alias (other case)
-        press(dialog, "&Add device");
-        press(dialog, "&OK");
-    });
-    // No message: the device check compares whole entries with the bare
-    // string, and the alias check the automatic name; the list gains the
-    // entry, the aliases do not.
-    EXPECT_EQ(boxes_.texts(), Entries{});
-    EXPECT_EQ(treeText("VISADevices"), "[]\n\"Scope\"=\"TCPIP0::s::inst0::INSTR\"\n");
 }
 
 TEST_F(TcpipShowDev, EditRecordsEachAliasCase) {
