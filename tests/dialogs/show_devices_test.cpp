@@ -56,8 +56,10 @@ protected:
     ui::MessageBoxCapture boxes_;
 };
 
-TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsSortedRemovesAndOkRewritesTheStore) {
-    script_.expect<CShowDevices>([](CShowDevices& dialog) {
+TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsRemovesAutoAddsAndOkRewritesTheStore) {
+    test::FakeAutocf module;
+    module.reports = {{"GPIB0::3"}, {"GPIB0::8"}, {"GPIB0::1"}};
+    script_.expect<CShowDevices>([&](CShowDevices& dialog) {
         EXPECT_EQ(test::shownText(dialog, "titleLabel"), "Devices present on interface GPIB0:");
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::10", "GPIB0::3", "GPIB0::30"}));
         test::screenshot(dialog, "show_devices_opened");
@@ -67,35 +69,32 @@ TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsSortedRemovesAndOkRewritesThe
         for (int row : {0, 3}) dialog.m_deviceList.setSel(row, true);
         press(dialog, "&Remove device");
         press(dialog, "&Remove device");  // nothing selected: nothing happens
-        EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::24", "GPIB0::3"}));
+        press(dialog, "A&uto Add devices");
+        EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::1", "GPIB0::24", "GPIB0::3", "GPIB0::8"}));
+        EXPECT_EQ(store_.GetDeviceNames("INTF0"), (Names{"GPIB0::10", "GPIB0::3", "GPIB0::30"}));  // not yet written
+        test::screenshot(dialog, "show_devices_after_auto_add");
         dialog.findChild<QCheckBox*>("identifyCheck")->setChecked(true);
         press(dialog, "OK");
     });
     expectNewDevice("24");
     expectNewDevice("24");
+    script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) { press(dialog, "&Continue"); });
+    script_.expect<CDoneAutoConfig>([](CDoneAutoConfig& dialog) {
+        EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB0");
+        EXPECT_EQ(dialog.m_knownList.items(), (Names{"GPIB0::24", "GPIB0::3"}));
+        EXPECT_EQ(dialog.m_newList.items(), (Names{"GPIB0::1", "GPIB0::8"}));
+        test::screenshot(dialog, "done_auto_config_list_mode");
+        press(dialog, "OK");
+    });
     EXPECT_EQ(run(), ui::kIdOk);
     EXPECT_EQ(boxes_.texts(), Names{"GPIB0::24 is a duplicate device name."});
     // The flag, and the list with only the interface's resource type.
-    EXPECT_EQ(test::treeText("INTF0"),
-              "[]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfig\"=hex:01\n[VISADev]\n"
-              "[VISADev\\GPIB0::24]\n[VISADev\\GPIB0::24\\GPIB0::24::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n"
-              "[VISADev\\GPIB0::3]\n[VISADev\\GPIB0::3\\GPIB0::3::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n");
+    EXPECT_EQ(store_.IsAutoConfig("INTF0"), 1);
+    EXPECT_EQ(store_.GetDeviceNames("INTF0"), (Names{"GPIB0::1", "GPIB0::24", "GPIB0::3", "GPIB0::8"}));
+    EXPECT_EQ(test::treeText("INTF0\\VISADev\\GPIB0::3"), "[]\n[GPIB0::3::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n");
 }
 
-TEST_F(ShowDevicesTest, RemoveTakesAtMostTheFirst256SelectedItems) {
-    test::putTree("[-INTF0\\VISADev]\n");
-    script_.expect<CShowDevices>([](CShowDevices& dialog) {
-        for (int i = 0; i < 300; ++i) dialog.m_deviceList.insertString(-1, "GPIB0::" + std::to_string(i));
-        dialog.m_deviceList.setSel(-1, true);
-        press(dialog, "&Remove device");
-        EXPECT_EQ(dialog.m_deviceList.count(), 44);
-        EXPECT_EQ(dialog.m_deviceList.text(0), "GPIB0::256");
-        press(dialog, "Cancel");
-    });
-    run();
-}
-
-TEST_F(ShowDevicesTest, AutoAddNotAllowedDisablesItAndTheCheckBoxOnlyAndCancelWritesNothing) {
+TEST_F(ShowDevicesTest, WithoutAutoAddItAndTheCheckBoxAreOffRemoveTakes256AndCancelWritesNothing) {
     const std::string before = test::treeText("INTF0");
     script_.expect<CShowDevices>([](CShowDevices& dialog) {
         std::string enabled;
@@ -104,34 +103,16 @@ TEST_F(ShowDevicesTest, AutoAddNotAllowedDisablesItAndTheCheckBoxOnlyAndCancelWr
         EXPECT_EQ(enabled, "++--");
         test::screenshot(dialog, "show_devices_no_auto_add");
         press(dialog, "&Add device");
+        for (int i = 0; i < 300; ++i) dialog.m_deviceList.insertString(-1, "GPIB1::" + std::to_string(i));
+        dialog.m_deviceList.setSel(-1, true);
+        press(dialog, "&Remove device");  // the first 256 of the 304 go
+        EXPECT_EQ(dialog.m_deviceList.count(), 48);
+        EXPECT_EQ(dialog.m_deviceList.text(0), "GPIB1::252");
         press(dialog, "Cancel");
     });
     expectNewDevice("24");
     EXPECT_EQ(run(false), ui::kIdCancel);
     EXPECT_EQ(test::treeText("INTF0"), before);
-}
-
-TEST_F(ShowDevicesTest, AutoAddFillsTheListAndWritesOnlyOnOk) {
-    test::FakeAutocf module;
-    module.reports = {{"GPIB0::3"}, {"GPIB0::8"}, {"GPIB0::1"}};
-    script_.expect<CShowDevices>([&](CShowDevices& dialog) {
-        press(dialog, "A&uto Add devices");
-        EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::1", "GPIB0::10", "GPIB0::3", "GPIB0::30", "GPIB0::8"}));
-        EXPECT_EQ(store_.GetDeviceName("INTF0", 3), "");  // not yet written
-        test::screenshot(dialog, "show_devices_after_auto_add");
-        press(dialog, "OK");
-    });
-    script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) { press(dialog, "&Continue"); });
-    script_.expect<CDoneAutoConfig>([](CDoneAutoConfig& dialog) {
-        EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB0");
-        EXPECT_EQ(dialog.m_knownList.items(), (Names{"GPIB0::10", "GPIB0::3", "GPIB0::30"}));
-        EXPECT_EQ(dialog.m_newList.items(), (Names{"GPIB0::1", "GPIB0::8"}));
-        test::screenshot(dialog, "done_auto_config_list_mode");
-        press(dialog, "OK");
-    });
-    run();
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 0), "GPIB0::1");
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 4), "GPIB0::8");
 }
 
 TEST_F(ShowDevicesTest, CancelInTheReadyDialogNeverLoadsTheModule) {
