@@ -23,10 +23,8 @@ bool okEnabled(QWidget& dialog) { return buttonsLabelled(dialog, "OK").at(0)->is
 TEST(CNewDevice, ComposesTheNameAndEnablesOkOnEveryEdit) {
     // typed, then backspaces: the composed name and whether OK is enabled
     const std::tuple<const char*, int, const char*, bool> edits[] = {
-        {"1", 0, "GPIB0::1", true},     {"0", 0, "GPIB0::10", true}, {"::", 0, "GPIB0::10::", true},
-        {"8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true},   {"", 1, "GPIB0::", false},
-        {"x", 0, "GPIB0::x", true},  // composed as typed; the rules judge it only on OK
-        {"", 1, "GPIB0::", false},
+        {"10::8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true}, {"", 1, "GPIB0::", false},
+        {"x", 0, "GPIB0::x", true}, {"", 1, "GPIB0::", false},  // composed as typed; the rules judge it on OK
     };
     ModalScript script;
     script.expect<CNewDevice>([&](CNewDevice& dialog) {

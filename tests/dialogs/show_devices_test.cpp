@@ -12,10 +12,8 @@
 #include "dialogs/new_device.h"
 #include "dialogs/ready_auto_config.h"
 #include "fake_autocf.h"
-#include "store/config_store.h"
 #include "store_write_lock.h"
 #include "tree_text.h"
-#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::dialogs {
 namespace {

@@ -2,8 +2,6 @@
 // What the LAN dialog tests share: a store with one TCPIP interface and the
 // default resource classes, the list run under a script, its entries, its
 // buttons and typing into a field.
-#include <QListView>
-#include <QPushButton>
 #include <string>
 #include <vector>
 
