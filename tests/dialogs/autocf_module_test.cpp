@@ -49,8 +49,8 @@ TEST(AutocfModule, RefusesARecordOfAnotherLayout) {
     auto next = reinterpret_cast<braxcfg_autocf_next_dev_fn>(dlsym(module, "AUTOCF_autoConfigNextDev"));
     ASSERT_TRUE(reset && next);
     // Only the two leading fields may be read from a record of another layout.
-    for (const auto& [version, size] : {std::pair{BRAXCFG_AUTOCF_VERSION + 1, std::uint32_t{sizeof(braxcfg_autocf_record)}},
-                                        std::pair{BRAXCFG_AUTOCF_VERSION, std::uint32_t{8}}}) {
+    const std::uint32_t fullSize = sizeof(braxcfg_autocf_record);
+    for (const auto& [version, size] : {std::pair{BRAXCFG_AUTOCF_VERSION + 1, fullSize}, std::pair{BRAXCFG_AUTOCF_VERSION, 8u}}) {
         braxcfg_autocf_record record{};
         record.version = version;
         record.size = size;

@@ -97,7 +97,8 @@ TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsRemovesAutoAddsAndOkRewritesT
     // The flag, and the list with only the interface's resource type.
     EXPECT_EQ(store_.IsAutoConfig("INTF0"), 1);
     EXPECT_EQ(store_.GetDeviceNames("INTF0"), (Names{"GPIB0::1", "GPIB0::24", "GPIB0::3", "GPIB0::8"}));
-    EXPECT_EQ(test::treeText("INTF0\\VISADev\\GPIB0::3"), "[]\n[GPIB0::3::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n");
+    EXPECT_EQ(test::treeText("INTF0\\VISADev\\GPIB0::3"),
+              "[]\n[GPIB0::3::INSTR]\n\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INSTR\"\n");
 }
 
 TEST_F(ShowDevicesTest, WithoutAutoAddItAndTheCheckBoxAreOffRemoveTakes256AndCancelWritesNothing) {

@@ -24,7 +24,8 @@ std::string resourceOf(const std::string& device) { return "TCPIP0::127.0.0.1::"
 // when the probe may end.
 struct HeldHislip {
     std::promise<void> gate;
-    FakeServer server{[answer = hislipServer({HislipScript::Reply::InitializeResponse}, std::make_shared<HislipRecord>()),
+    FakeServer server{[answer = hislipServer({HislipScript::Reply::InitializeResponse},
+                                             std::make_shared<HislipRecord>()),
                        opened = gate.get_future().share()](Peer& peer) {
         opened.wait();
         answer(peer);
@@ -57,9 +58,10 @@ protected:
 TEST_F(DialogProbe, TestButtonsProbeWhileTheWindowPaintsAndAClosedWindowCancels) {
     HeldHislip listed, typed;
     SilentListener silent;
-    for (const std::string& resource : {resourceOf(hislipAt(listed.server.port())), resourceOf(hislipAt(silent.port()))})
+    const std::string scope = resourceOf(hislipAt(listed.server.port()));
+    for (const std::string& resource : {scope, resourceOf(hislipAt(silent.port()))})
         putTree("[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource + "]\n");
-    putTree("[VISADevices]\n\"scope\"=\"" + resourceOf(hislipAt(listed.server.port())) + "\"\n");
+    putTree("[VISADevices]\n\"scope\"=\"" + scope + "\"\n");
     std::string listDuringProbe, childDuringProbe;
     int paintsDuringProbe = 0;
     const tcpipshowdev* list = nullptr;
@@ -113,8 +115,7 @@ TEST_F(DialogProbe, TestButtonsProbeWhileTheWindowPaintsAndAClosedWindowCancels)
     EXPECT_EQ(listDuringProbe + "|" + childDuringProbe, "------|----");
     EXPECT_GE(paintsDuringProbe, 1);
     ASSERT_EQ(boxes_.requests().size(), 2u);
-    EXPECT_EQ(boxes_.requests()[0].text, "The resource 'scope' was found.\n\n(" +
-                                             resourceOf(hislipAt(listed.server.port())) + ")");
+    EXPECT_EQ(boxes_.requests()[0].text, "The resource 'scope' was found.\n\n(" + scope + ")");
     EXPECT_EQ(boxes_.requests()[1].text, "The resource 'first' was found.\n\n(" +
                                              resourceOf(hislipAt(typed.server.port())) + ")");
     for (const auto& box : boxes_.requests()) EXPECT_EQ(box.owner, list);

@@ -56,7 +56,8 @@ TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexButtonsFollowC
                 selectOnly(dialog, {0, 1});
                 EXPECT_EQ(enabledButtons(dialog), editable ? "OCA-TR" : "OC--TR");  // two: no Edit
                 press(dialog, "&Remove device");
-                EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
+                EXPECT_EQ(listEntries(dialog),
+                          (Entries{"\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
                 press(dialog, "&Cancel");
             },
             editable);
@@ -83,8 +84,9 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasKeepsItsWeakDuplicateChecksThenOkWrite
         EXPECT_EQ(enabledButtons(dialog), "OCA---");
         press(dialog, "&Add device");
         press(dialog, "&Add device");
-        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::myhost::inst0::INSTR", "TCPIPDEVICE1\tTCPIP0::myhost::inst0::INSTR",
-                                                "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
+        EXPECT_EQ(listEntries(dialog),
+                  (Entries{"\tTCPIP0::myhost::inst0::INSTR", "TCPIPDEVICE1\tTCPIP0::myhost::inst0::INSTR",
+                           "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
         press(dialog, "&OK");
     }), kIdOk);
     // No message for the third: the device check compares whole entries with
