@@ -1,6 +1,7 @@
 // CShowDevices driven through its buttons, with the new-device and
-// auto-configuration dialogs scripted, against a store of its own. Its
-// rules are the logic test's; here they reach the widgets and the store.
+// auto-configuration dialogs scripted, against a store of its own: its
+// rules reach the widgets and the store. The rules themselves are the
+// table at the end.
 #include "dialogs/show_devices.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "dialogs/done_auto_config.h"
 #include "dialogs/new_device.h"
 #include "dialogs/ready_auto_config.h"
+#include "dialogs/show_devices_logic.h"
 #include "fake_autocf.h"
 #include "store_write_lock.h"
 #include "tree_text.h"
@@ -137,6 +139,26 @@ TEST_F(ShowDevicesTest, CancelInTheReadyDialogNeverLoadsTheModule) {
     });
     run();
     EXPECT_TRUE(module.lookups.empty());
+}
+
+TEST(ShowDevicesLogic, ControlTableDuplicatesAndRemovalOrder) {
+    const struct {
+        bool editable, autoAddAllowed, add, autoAdd;
+    } controls[] = {{true, true, true, true}, {true, false, true, false}, {false, true, false, false},
+                    {false, false, false, false}};
+    for (const auto& row : controls) {
+        const ShowDevicesControls shown = showDevicesControls(row.editable, row.autoAddAllowed);
+        EXPECT_EQ(shown.add, row.add);
+        EXPECT_EQ(shown.remove, row.add);
+        EXPECT_EQ(shown.autoAdd, row.autoAdd);
+        EXPECT_EQ(shown.identifyAtRunTime, row.autoAdd);
+    }
+    const std::vector<std::string> items = {"GPIB0::3", "gpib0::24", "GPIB0::24"};
+    EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::24"), "GPIB0::24 is a duplicate device name.");
+    EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::2"), std::nullopt);
+    EXPECT_EQ(duplicateDeviceMessage({"gpib0::24"}, "GPIB0::24"), std::nullopt);  // case counts
+    EXPECT_EQ(removalOrder({0, 4, 7}), (std::vector<int>{7, 4, 0}));
+    EXPECT_EQ(showDevicesTitle("GPIB-VXI0"), "Devices present on interface GPIB-VXI0:");
 }
 
 }  // namespace

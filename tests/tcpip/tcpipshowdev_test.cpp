@@ -1,12 +1,22 @@
 // The LAN resource list driven through its buttons: start-up from the store,
-// Add, Edit, Remove, OK's rewrite of devices and aliases, Cancel, and a store
-// that cannot be written.
+// Add, Edit, Remove, Test, OK's rewrite of devices and aliases, Cancel, and a
+// store that cannot be written. Tests run against loopback servers; which
+// outcome gives which box is the probe's own test.
 #include "tcpip/tcpipshowdev.h"
 
 #include <gtest/gtest.h>
 
+#include <QTimer>
+#include <future>
+#include <utility>
+
+#include "dialog_test_support.h"
+#include "fake_servers.h"
+#include "store_builder.h"
 #include "store_write_lock.h"
-#include "tcpip_dialog_support.h"
+#include "tcpip/tcpipnewdev.h"
+#include "tree_text.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::tcpip {
 namespace {
@@ -15,7 +25,58 @@ using namespace test;
 using ui::kIdCancel;
 using ui::kIdOk;
 using Entries = std::vector<std::string>;
-using TcpipShowDev = LanListTest;
+
+// The built-in VISA: a VISA library installed on the machine must not answer.
+[[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
+
+// INTF2 is TCPIP0 with INSTR and SOCKET resources, KORL name "lan0"; `act`
+// drives its list, opened as the workflow opens it.
+class TcpipShowDev : public testing::Test {
+protected:
+    void SetUp() override {
+        putTree("[INTF2]\n\"VISAName\"=\"TCPIP0\"\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAKorlIntfName\"=\"lan0\"\n"
+                "[INTF2\\VISADev]\n"
+                "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"lan\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n"
+                "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"sock\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n");
+        putDword(underProduct(), "ResourceTestTimeout", 300);
+    }
+    int runList(std::function<void(tcpipshowdev&)> act, bool editable = true) {
+        script_.expect<tcpipshowdev>(std::move(act));
+        const store::ConfigStore config;
+        tcpipshowdev dialog(nullptr);
+        dialog.Init(&config, "INTF2", "TCPIP0", editable, 1);
+        const int result = dialog.doModal();
+        EXPECT_EQ(problems(script_), "");
+        return result;
+    }
+    TempStore store_;
+    ui::ModalScript script_;
+    ui::MessageBoxCapture boxes_;
+};
+
+std::vector<std::string> listEntries(const tcpipshowdev& dialog) { return dialog.m_deviceList.items(); }
+
+// Which of OK, Cancel, Add, Edit, Test, Remove are enabled, as "OCAETR"
+// with '-' for a disabled one.
+std::string enabledButtons(QWidget& dialog) {
+    std::string states;
+    const std::pair<const char*, char> buttons[] = {{"&OK", 'O'},          {"&Cancel", 'C'},      {"&Add device", 'A'},
+                                                    {"&Edit device", 'E'}, {"&Test device", 'T'}, {"&Remove device", 'R'}};
+    for (const auto& [text, letter] : buttons) states += buttonsLabelled(dialog, text).at(0)->isEnabled() ? letter : '-';
+    return states;
+}
+
+QLineEdit* field(QWidget& dialog, const char* name) { return dialog.findChild<QLineEdit*>(name); }
+
+// Replaces a field's text as a person would: select all, type.
+void typeInto(QWidget& dialog, const char* name, const std::string& text) {
+    QLineEdit* edit = field(dialog, name);
+    edit->selectAll();
+    if (text.empty())
+        QTest::keyClick(edit, Qt::Key_Delete);
+    else
+        QTest::keyClicks(edit, ui::toQString(text));
+}
 
 // Scripts the add dialog: host and device typed, the alias too when given, OK.
 void expectAdd(ui::ModalScript& script, const std::string& host, const std::string& device,
@@ -183,6 +244,102 @@ TEST(TcpipTemplates, CaptionsTextsAndButtons) {
         EXPECT_EQ(templateLabels(*dialog), labels);
         EXPECT_EQ(templateButtons(*dialog), buttons);
     }
+}
+
+std::string hislipAt(std::uint16_t port) { return "hislip0," + std::to_string(port); }
+std::string resourceOf(const std::string& device) { return "TCPIP0::127.0.0.1::" + device + "::INSTR"; }
+
+// A HiSLIP server that answers only once released, so the test decides
+// when the probe may end.
+struct HeldHislip {
+    std::promise<void> gate;
+    FakeServer server{[answer = hislipServer({HislipScript::Reply::InitializeResponse},
+                                             std::make_shared<HislipRecord>()),
+                       opened = gate.get_future().share()](Peer& peer) {
+        opened.wait();
+        answer(peer);
+    }};
+    bool released = false;
+    void release() {
+        if (!std::exchange(released, true)) gate.set_value();
+    }
+    ~HeldHislip() { release(); }
+};
+
+// Calls `onPaint` at each paint event of the widget it watches.
+struct PaintWatch : QObject {
+    explicit PaintWatch(std::function<void()> onPaint) : onPaint(std::move(onPaint)) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) onPaint();
+        return false;
+    }
+    std::function<void()> onPaint;
+};
+
+TEST_F(TcpipShowDev, TestButtonsProbeWhileTheWindowPaintsAndAClosedWindowCancels) {
+    HeldHislip listed, typed;
+    SilentListener silent;
+    const std::string scope = resourceOf(hislipAt(listed.server.port()));
+    for (const std::string& resource : {scope, resourceOf(hislipAt(silent.port()))})
+        putTree("[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource + "]\n");
+    putTree("[VISADevices]\n\"scope\"=\"" + scope + "\"\n");
+    std::string listDuringProbe, childDuringProbe;
+    int paintsDuringProbe = 0;
+    const tcpipshowdev* list = nullptr;
+    const int result = runList([&](tcpipshowdev& dialog) {
+        list = &dialog;
+        const int scopeRow = dialog.m_deviceList.text(0).starts_with("scope") ? 0 : 1;
+        dialog.m_deviceList.setSel(scopeRow, true);
+        PaintWatch watch([&] {
+            ++paintsDuringProbe;
+            listed.release();
+        });
+        QTimer::singleShot(0, &dialog, [&] {  // inside the probe's event loop
+            listDuringProbe = enabledButtons(dialog);
+            dialog.installEventFilter(&watch);
+            dialog.update();
+        });
+        press(dialog, "&Test device");
+        dialog.removeEventFilter(&watch);
+        EXPECT_EQ(enabledButtons(dialog), "OCAETR");
+        screenshot(dialog, "tcpipshowdev_after_test");
+
+        script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
+            typeInto(child, "aliasEdit", "first");
+            typeInto(child, "hostEdit", "127.0.0.1");
+            typeInto(child, "deviceEdit", hislipAt(typed.server.port()));
+            typeInto(child, "aliasEdit", "typed later");  // exchanged by no edit of host or device
+            QTimer::singleShot(0, &child, [&] {
+                for (const char* name : {"okButton", "cancelButton", "testButton", "deviceEdit"})
+                    childDuringProbe += child.findChild<QWidget*>(name)->isEnabled() ? "+" : "-";
+                screenshot(child, "tcpipnewdev_testing");
+                typed.release();
+            });
+            press(child, "&Test");
+            screenshot(child, "tcpipnewdev_add");
+            // Escape while a probe runs against a silent host closes the dialog as cancelled.
+            typeInto(child, "deviceEdit", hislipAt(silent.port()));
+            QTimer::singleShot(0, &child, [&] { QTest::keyClick(field(child, "hostEdit"), Qt::Key_Escape); });
+            press(child, "&Test");
+            EXPECT_FALSE(child.isVisible());
+        });
+        press(dialog, "&Add device");
+        EXPECT_EQ(dialog.m_deviceList.count(), 2);
+
+        // Closing the list while it tests: the probe ends at once, no box.
+        dialog.m_deviceList.setSel(-1, false);
+        dialog.m_deviceList.setSel(1 - scopeRow, true);
+        QTimer::singleShot(0, &dialog, [&] { dialog.close(); });
+        press(dialog, "&Test device");
+    });
+    EXPECT_EQ(result, ui::kIdCancel);
+    EXPECT_EQ(listDuringProbe + "|" + childDuringProbe, "------|----");
+    EXPECT_GE(paintsDuringProbe, 1);
+    ASSERT_EQ(boxes_.requests().size(), 2u);
+    EXPECT_EQ(boxes_.requests()[0].text, "The resource 'scope' was found.\n\n(" + scope + ")");
+    EXPECT_EQ(boxes_.requests()[1].text, "The resource 'first' was found.\n\n(" +
+                                             resourceOf(hislipAt(typed.server.port())) + ")");
+    for (const auto& box : boxes_.requests()) EXPECT_EQ(box.owner, list);
 }
 
 }  // namespace
