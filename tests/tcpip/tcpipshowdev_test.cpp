@@ -165,41 +165,41 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasKeepsItsWeakDuplicateChecksThenOkWrite
 }
 
 TEST_F(TcpipShowDev, EditRecordsEachAliasCase) {
-    const std::array<std::array<const char*, 4>, 4> cases = {{
-        // alias before ("" none), alias typed, VISADevices and Devices after OK
-        {"", "", "[]\n", "[]\n"},
-        {"", "bench", "[]\n\"bench\"=\"TCPIP0::h::5025::SOCKET\"\n", "[]\n"},
-        {"scope", "", "[]\n", "[]\n"},
-        {"scope", "meter", "[]\n\"meter\"=\"TCPIP0::h::5025::SOCKET\"\n", "[]\n\"meter\"=\"lan0[h]:inst0\"\n"},
-    }};
-    for (const auto& [oldAlias, newAlias, visaDevices, devices] : cases) {
-        SCOPED_TRACE(std::string(oldAlias) + " to " + newAlias);
-        const std::string old = oldAlias;
-        putTree("[-INTF2\\VISADev]\n[INTF2\\VISADev\\TCPIP0::h::inst0\\TCPIP0::h::inst0::INSTR]\n[-VISADevices]\n"
-                "[VISADevices]\n[-Devices]\n[Devices]\n" +
-                (old.empty() ? "" : "[VISADevices]\n\"" + old + "\"=\"TCPIP0::h::inst0::INSTR\"\n[Devices]\n\"" + old +
-                                        "\"=\"lan0[h]:inst0\"\n"));
-        runList([&](tcpipshowdev& dialog) {
+    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::d::inst0\\TCPIP0::d::inst0::INSTR]\n"
+            "[VISADevices]\n\"gamma\"=\"TCPIP0::c::inst0::INSTR\"\n\"delta\"=\"TCPIP0::d::inst0::INSTR\"\n"
+            "[Devices]\n\"gamma\"=\"lan0[c]:inst0\"\n\"delta\"=\"lan0[d]:inst0\"\n");
+    // host, alias before ("" none), alias typed: none to none, none to new, old to none, old renamed
+    const std::array<std::array<const char*, 3>, 4> edits = {
+        {{"a", "", ""}, {"b", "", "bench"}, {"c", "gamma", ""}, {"d", "delta", "meter"}}};
+    runList([&](tcpipshowdev& dialog) {
+        for (const auto& [host, oldAlias, newAlias] : edits) {
             script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
                 EXPECT_EQ(ui::toStdString(child.windowTitle()), "Edit a TCPIP resource");
                 EXPECT_EQ(shownText(child, "hostEdit") + "|" + shownText(child, "deviceEdit") + "|" +
                               shownText(child, "aliasEdit"),
-                          "h|inst0|" + old);
+                          std::string(host) + "|inst0|" + oldAlias);
                 if (*newAlias == 'm') screenshot(child, "tcpipnewdev_edit");
                 typeInto(child, "aliasEdit", newAlias);
                 typeInto(child, "deviceEdit", "5025");
                 press(child, "&OK");
             });
-            selectOnly(dialog, {0});
+            const Entries entries = listEntries(dialog);
+            for (int row = 0; row < static_cast<int>(entries.size()); ++row)
+                if (entries[row].ends_with(std::string("TCPIP0::") + host + "::inst0::INSTR")) selectOnly(dialog, {row});
             press(dialog, "&Edit device");
-            EXPECT_EQ(listEntries(dialog), Entries{std::string(newAlias) + "\tTCPIP0::h::5025::SOCKET"});
-            press(dialog, "&OK");
-        });
-        EXPECT_EQ(treeText("VISADevices"), visaDevices);
-        EXPECT_EQ(treeText("Devices"), devices);
-        EXPECT_EQ(treeText("INTF2\\VISADev"), "[]\n[TCPIP0::h::5025]\n[TCPIP0::h::5025\\TCPIP0::h::5025::SOCKET]\n"
-                                              "\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n");
-    }
+        }
+        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::a::5025::SOCKET", "\tTCPIP0::c::5025::SOCKET",
+                                                "bench\tTCPIP0::b::5025::SOCKET", "meter\tTCPIP0::d::5025::SOCKET"}));
+        press(dialog, "&OK");
+    });
+    EXPECT_EQ(treeText("VISADevices"),
+              "[]\n\"meter\"=\"TCPIP0::d::5025::SOCKET\"\n\"bench\"=\"TCPIP0::b::5025::SOCKET\"\n");
+    EXPECT_EQ(treeText("Devices"), "[]\n\"meter\"=\"lan0[d]:inst0\"\n");
+    EXPECT_EQ(treeText("INTF2\\VISADev\\TCPIP0::a::5025"),
+              "[]\n[TCPIP0::a::5025::SOCKET]\n\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n");
 }
 
 // Another process holds the store's write lock for longer than the bounded
