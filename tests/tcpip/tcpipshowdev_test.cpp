@@ -68,14 +68,12 @@ std::string enabledButtons(QWidget& dialog) {
 
 QLineEdit* field(QWidget& dialog, const char* name) { return dialog.findChild<QLineEdit*>(name); }
 
-// Replaces a field's text as a person would: select all, type.
+// Replaces a field's text as a person would: select all, delete, type.
 void typeInto(QWidget& dialog, const char* name, const std::string& text) {
     QLineEdit* edit = field(dialog, name);
     edit->selectAll();
-    if (text.empty())
-        QTest::keyClick(edit, Qt::Key_Delete);
-    else
-        QTest::keyClicks(edit, ui::toQString(text));
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClicks(edit, ui::toQString(text));
 }
 
 // Scripts the add dialog: host and device typed, the alias too when given, OK.
@@ -187,8 +185,9 @@ TEST_F(TcpipShowDev, EditRecordsEachAliasCase) {
                 press(child, "&OK");
             });
             const Entries entries = listEntries(dialog);
+            const std::string resource = std::string("TCPIP0::") + host + "::inst0::INSTR";
             for (int row = 0; row < static_cast<int>(entries.size()); ++row)
-                if (entries[row].ends_with(std::string("TCPIP0::") + host + "::inst0::INSTR")) selectOnly(dialog, {row});
+                if (entries[row].ends_with(resource)) selectOnly(dialog, {row});
             press(dialog, "&Edit device");
         }
         EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::a::5025::SOCKET", "\tTCPIP0::c::5025::SOCKET",
