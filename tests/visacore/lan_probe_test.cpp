@@ -1,5 +1,5 @@
 // The probe against scripted loopback servers: each protocol's outcomes,
-// the deadline on every silent path, and cancelling.
+// the deadline on every kind of wait, and cancelling.
 #include "visacore/lan/lan_probe.h"
 
 #include <gtest/gtest.h>
@@ -123,52 +123,43 @@ TEST(LanProbe, SocketConnectsAndSendsNothing) {
     EXPECT_EQ(*received, 0u);
 }
 
-// Without a server, or with one that never answers: the probe ends at once
-// or at its deadline, never after the kernel's minutes. Every protocol
-// connects and reads through the same link, so each wait is tried once.
-TEST(LanProbe, NoAnswerEndsByTheDeadline) {
-    constexpr auto budget = 300ms;
+// Without a server, with one that never answers, or cancelled: the probe
+// ends at once, at its deadline or at the cancel, never after the kernel's
+// minutes. Every protocol connects and reads through the same link, so
+// each wait is tried once.
+TEST(LanProbe, EndsByTheDeadlineOrTheCancel) {
+    constexpr auto budget = 300ms, cancelAfter = 100ms;
+    enum Cancel { Never, Before, During };  // During: `cancelAfter` into the probe
     FakeServer silentPortmapper(portmapper({PR::Silent}));
     FakeServer silentHislip(hislipServer({HR::Silent}, std::make_shared<HislipRecord>()));
     SilentListener droppedSyns;
     const struct { const char* what; std::string resource; ViStatus expected; std::uint16_t portmapperPort = 0;
-                   Resolver resolver = testResolver; } cases[] = {
+                   Resolver resolver = testResolver; Cancel cancel = Never; } cases[] = {
         {"refused: the host is there", hislip(closedPort()), VI_ERROR_RSRC_NFOUND},
         {"unknown host", lan("inst0::INSTR", "nohost.test"), VI_ERROR_MACHINE_NAVAIL},
         {"connect dropped", socketAt(droppedSyns.port()), VI_ERROR_TMO},
         {"portmapper never answers", lan("inst0::INSTR"), VI_ERROR_TMO, silentPortmapper.port()},
         {"HiSLIP never answers", hislip(silentHislip.port()), VI_ERROR_TMO},
         {"name service hangs", lan("inst0::INSTR", "slow.test"), VI_ERROR_TMO, 0, hangingResolver},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const auto start = Clock::now();
-        EXPECT_EQ(probeLanResource(c.resource, options(c.portmapperPort, budget, c.resolver)), c.expected);
-        EXPECT_LT(Clock::now() - start, budget + kMargin);
-    }
-}
-
-TEST(LanProbe, CancelEndsAWaitAtOnce) {
-    SilentListener droppedSyns;
-    const struct { const char* what; std::string resource; Resolver resolver; bool cancelFirst; } cases[] = {
-        {"during connect", socketAt(droppedSyns.port()), testResolver, false},
-        {"during name resolution", lan("inst0::INSTR", "slow.test"), hangingResolver, false},
-        {"before the probe starts", socketAt(droppedSyns.port()), testResolver, true},
+        {"cancelled during connect", socketAt(droppedSyns.port()), VI_ERROR_ABORT, 0, testResolver, During},
+        {"cancelled during name resolution", lan("inst0::INSTR", "slow.test"), VI_ERROR_ABORT, 0, hangingResolver,
+         During},
+        {"cancelled before the probe starts", socketAt(droppedSyns.port()), VI_ERROR_ABORT, 0, testResolver, Before},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         CancelToken cancel;
-        LanProbeOptions opts = options(closedPort(), 10s, c.resolver);
+        LanProbeOptions opts = options(c.portmapperPort, c.cancel == Never ? budget : 10s, c.resolver);
         opts.cancel = &cancel;
-        if (c.cancelFirst) cancel.cancel();
+        if (c.cancel == Before) cancel.cancel();
         const auto start = Clock::now();
         auto result = std::async(std::launch::async, [&] { return probeLanResource(c.resource, opts); });
-        if (!c.cancelFirst) {
-            ASSERT_EQ(result.wait_for(100ms), std::future_status::timeout) << "the probe ended before the cancel";
+        if (c.cancel == During) {
+            ASSERT_EQ(result.wait_for(cancelAfter), std::future_status::timeout) << "the probe ended before the cancel";
             cancel.cancel();
         }
-        EXPECT_EQ(result.get(), VI_ERROR_ABORT);
-        EXPECT_LT(Clock::now() - start, 100ms + kMargin);
+        EXPECT_EQ(result.get(), c.expected);
+        EXPECT_LT(Clock::now() - start, (c.cancel == Never ? budget : cancelAfter) + kMargin);
     }
 }
 
