@@ -50,7 +50,8 @@ TEST(DnsMessage, ResponseRoundTripsEveryRecordType) {
 TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
     const Bytes good = bytes({0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
                               // @12: _vxi-11._tcp.local PTR -> "Box" + @12
-                              7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p', 5, 'l', 'o', 'c', 'a', 'l', 0,
+                              7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
+                              5, 'l', 'o', 'c', 'a', 'l', 0,                                //
                               0, 12, 0, 1, 0, 0, 0, 120, 0, 6, 3, 'B', 'o', 'x', 0xC0, 12,
                               // "Box" + @12 again through a pointer to the PTR data (@42): SRV -> port 1024, host @42
                               0xC0, 42, 0, 33, 0, 1, 0, 0, 0, 120, 0, 8, 0, 0, 0, 0, 4, 0, 0xC0, 42});
@@ -126,7 +127,8 @@ TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
     Site second{"10.0.0.3", false, 111, 0, {}, {}, {{5025, &meter}}, {&meter}};
     Site again = first;
     again.address = "10.0.0.4";
-    const struct { const char* type; std::vector<Site> sites; std::vector<std::string> answers; bool asked = true; } cases[] = {
+    const struct { const char* type; std::vector<Site> sites; std::vector<std::string> answers;
+                   bool asked = true; } cases[] = {
         {"_HISLIP._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::hislip0,4881::INSTR"}},
         {"_vxi-11._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::inst0::INSTR"}},
         {"_scpi-raw._tcp.local", {first, second}, {"Meter: TCPIP0::10.0.0.3::5025::SOCKET"}},

@@ -42,12 +42,12 @@ TEST(LabFile, KeysAndDefaultsFromTheResourceString) {
     for (const LabInstrument& instrument : lab.instruments) lines.push_back(line(instrument));
     // The GPIB section is the auto-configuration's; the model field names the mDNS instance.
     EXPECT_EQ(lines, (std::vector<std::string>{
-                         "127.0.0.1:5 vxi11 devices inst0 gpib0,5, hislip0 port 4880, socket 5025, core 0, portmapper 0, "
-                         "mdns 'Scope 4', Tolvane,Scope 4,4004,5.5",
-                         "10.0.0.2:7 hislip socket devices inst0, hislip1 port 4881, socket 5026, core 0, portmapper 0, "
-                         "mdns 'Bench', Tolvane,Analyzer 2,2,1",
-                         "::1:14 vxi11 socket devices inst0 inst1, hislip0 port 4880, socket 5025, core 0, "
-                         "portmapper 11111, mdns 'Meter', Tolvane,Meter,3,1"}));
+        "127.0.0.1:5 vxi11 devices inst0 gpib0,5, hislip0 port 4880, socket 5025, core 0, portmapper 0, "
+        "mdns 'Scope 4', Tolvane,Scope 4,4004,5.5",
+        "10.0.0.2:7 hislip socket devices inst0, hislip1 port 4881, socket 5026, core 0, portmapper 0, "
+        "mdns 'Bench', Tolvane,Analyzer 2,2,1",
+        "::1:14 vxi11 socket devices inst0 inst1, hislip0 port 4880, socket 5025, core 0, "
+        "portmapper 11111, mdns 'Meter', Tolvane,Meter,3,1"}));
     std::string answer;
     for (const auto& [query, expected] : {std::pair{" meas:volt?", "1.25"}, {"*idn?", "Tolvane,Analyzer 2,2,1"}})
         EXPECT_TRUE(answerQuery(lab.instruments.at(1), query, answer) && answer == expected) << query;

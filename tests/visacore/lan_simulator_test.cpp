@@ -15,15 +15,15 @@ using namespace std::chrono_literals;
 TEST(SimulatedLab, IdentifiesOverEachProtocolUntilStopped) {
     const std::uint16_t hislipPort = test::closedPort(), socketPort = test::closedPort();
     const Lab lab = parseLab("[TCPIP0::127.0.0.1::inst0::INSTR]\n"
-                       "Identification = Tolvane,Scope 4,4004,5.5\n"
-                       "Protocols = VXI-11 HiSLIP\n"
-                       "DeviceNames = inst0 gpib0,7\n"
-                       "HislipPort = " + std::to_string(hislipPort) + "\n"
-                       "Reply.*OPC? = 1\n"
-                       "[TCPIP0::127.0.0.1::" + std::to_string(socketPort) + "::SOCKET]\n"
-                       "Identification = Tolvane,Source 9,909,2.0\n"
-                       "Reply.MEAS:VOLT? = 1.25\n",
-                       "test.ini");
+                             "Identification = Tolvane,Scope 4,4004,5.5\n"
+                             "Protocols = VXI-11 HiSLIP\n"
+                             "DeviceNames = inst0 gpib0,7\n"
+                             "HislipPort = " + std::to_string(hislipPort) + "\n"
+                             "Reply.*OPC? = 1\n"
+                             "[TCPIP0::127.0.0.1::" + std::to_string(socketPort) + "::SOCKET]\n"
+                             "Identification = Tolvane,Source 9,909,2.0\n"
+                             "Reply.MEAS:VOLT? = 1.25\n",
+                             "test.ini");
     Simulator simulator;
     std::string error;
     SimulatorOptions simulatorOptions;

@@ -179,7 +179,8 @@ FakeServer::Handler hislipServer(HislipScript script, std::shared_ptr<HislipReco
         switch (script.reply) {
         case HislipScript::Reply::InitializeResponse:
             return peer.send(hislip::message(hislip::kInitializeResponse, 0, 0x01000001));
-        case HislipScript::Reply::FatalError: return peer.send(hislip::message(hislip::kFatalError, script.fatalCode, 0));
+        case HislipScript::Reply::FatalError:
+            return peer.send(hislip::message(hislip::kFatalError, script.fatalCode, 0));
         case HislipScript::Reply::Close: return;
         case HislipScript::Reply::Garbage: return peer.send(text("220 service ready\r\n"));
         case HislipScript::Reply::OtherMessage: return peer.send(hislip::message(hislip::kDataEnd, 0, 0));
