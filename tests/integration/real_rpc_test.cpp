@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "child_process.h"
-#include "visacore/visa_api.h"
+#include "visacore/lan/lan_probe.h"
 
 namespace braxcfg::visa {
 namespace {
@@ -19,13 +19,8 @@ using namespace std::chrono_literals;
 
 constexpr const char* kRpcinfo = "/usr/sbin/rpcinfo";
 
-ViStatus probe(const char* resource) {
-    ViSession rm = VI_NULL;
-    EXPECT_EQ(viOpenDefaultRM(&rm), VI_SUCCESS);
-    const ViStatus status = viProbeRsrc(rm, kResourceProbeSelector, resource, ProbeControl{1500ms});
-    viClose(rm);
-    return status;
-}
+// The system's resolver and the standard portmapper port.
+ViStatus probe(const char* resource) { return lan::probeLanResource(resource, {.budget = 1500ms}); }
 
 TEST(RealRpc, ProbeAgreesWithAForeignServer) {
     ASSERT_TRUE(std::filesystem::exists("/usr/sbin/rpcbind")) << "install the Debian package rpcbind";
