@@ -109,7 +109,6 @@ TEST(SystemVisa, ForwardsEveryServiceToTheLibrary) {
     EXPECT_EQ(viClose(rm), VI_SUCCESS);
 }
 
-// An empty location is the built-in VISA.
 TEST(SystemVisa, FallsBackToTheBuiltinOne) {
     // debugLine: what the fallback says; empty for a silent choice.
     const struct { const char* choice; const char* debugLine; } cases[] = {
@@ -125,6 +124,9 @@ TEST(SystemVisa, FallsBackToTheBuiltinOne) {
         EXPECT_TRUE(activeVisaLocation().empty());
         const bool said = capture.text().find(c.debugLine) != std::string::npos;
         EXPECT_TRUE(*c.debugLine != '\0' ? said : capture.text().empty()) << capture.text();
+        char desc[kStatusDescLength];
+        EXPECT_EQ(viStatusDesc(VI_NULL, VI_ERROR_TMO, desc), VI_SUCCESS);
+        EXPECT_STREQ(desc, "Timeout expired before operation completed.") << "the built-in one answers";
     }
 }
 
