@@ -12,18 +12,12 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes bytes(std::initializer_list<int> list) {
-    Bytes out;
-    for (int b : list) out.push_back(static_cast<std::uint8_t>(b));
-    return out;
-}
-
 // What the wire carries of a record, for comparing.
 auto fields(const dns::Record& r) { return std::tie(r.name, r.type, r.target, r.port, r.address, r.texts); }
 
 TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
     EXPECT_EQ(dns::encodeQuery(0x1234, {{"_lxi._tcp.local", dns::kPtr}}, true),
-              bytes({0x12, 0x34, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0,                                  //
+              (Bytes{0x12, 0x34, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0,                                  //
                      4, '_', 'l', 'x', 'i', 4, '_', 't', 'c', 'p', 5, 'l', 'o', 'c', 'a', 'l', 0,  //
                      0, 12, 0x80, 1}));
 }
@@ -48,13 +42,13 @@ TEST(DnsMessage, ResponseRoundTripsEveryRecordType) {
 // A response as responders write it, names compressed against earlier
 // ones; then the same with one byte changed or the end cut off.
 TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
-    const Bytes good = bytes({0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
-                              // @12: _vxi-11._tcp.local PTR -> "Box" + @12
-                              7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
-                              5, 'l', 'o', 'c', 'a', 'l', 0,                                //
-                              0, 12, 0, 1, 0, 0, 0, 120, 0, 6, 3, 'B', 'o', 'x', 0xC0, 12,
-                              // "Box" + @12 again through a pointer to the PTR data (@42): SRV -> port 1024, host @42
-                              0xC0, 42, 0, 33, 0, 1, 0, 0, 0, 120, 0, 8, 0, 0, 0, 0, 4, 0, 0xC0, 42});
+    const Bytes good{0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
+                     // @12: _vxi-11._tcp.local PTR -> "Box" + @12
+                     7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
+                     5, 'l', 'o', 'c', 'a', 'l', 0,                                //
+                     0, 12, 0, 1, 0, 0, 0, 120, 0, 6, 3, 'B', 'o', 'x', 0xC0, 12,
+                     // "Box" + @12 again through a pointer to the PTR data (@42): SRV -> port 1024, host @42
+                     0xC0, 42, 0, 33, 0, 1, 0, 0, 0, 120, 0, 8, 0, 0, 0, 0, 4, 0, 0xC0, 42};
     dns::Message parsed;
     ASSERT_TRUE(dns::parseMessage(good, parsed));
     ASSERT_EQ(parsed.records.size(), 2u);
@@ -68,15 +62,15 @@ TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
         return copy;
     };
     const struct { const char* what; Bytes packet; } cases[] = {
-        {"short header", bytes({0, 0, 0x84})},
+        {"short header", Bytes{0, 0, 0x84}},
         {"truncated record", Bytes(good.begin(), good.end() - 3)},
         {"pointer to itself", changed(49, 48)},
         {"pointer past the end", changed(49, 0xF0)},
         {"label longer than 63", changed(12, 64)},
         {"record length beyond the packet", changed(41, 0x60)},
         {"more records than present", changed(7, 3)},
-        {"A record of 5 bytes", bytes({0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
-                                       5, 1, 2, 3, 4, 5})},
+        {"A record of 5 bytes", Bytes{0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
+                                       5, 1, 2, 3, 4, 5}},
     };
     for (const auto& c : cases) EXPECT_FALSE(dns::parseMessage(c.packet, parsed)) << c.what;
 }
