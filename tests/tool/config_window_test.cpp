@@ -23,7 +23,7 @@
 #include "dialogs/show_devices.h"
 #include "file_bytes.h"
 #include "platform/registry.h"
-#include "plugin_store.h"
+#include "temp_store.h"
 #include "store_builder.h"
 #include "tree_text.h"
 #include "ui/modal.h"
@@ -38,18 +38,31 @@ using ui::ModalScript;
 
 class ConfigWindowTest : public ::testing::Test {
 protected:
+    // One store, named to the plug-in before it loads, and one plug-in for
+    // the program, as in a host; each test starts without interfaces.
+    static void SetUpTestSuite() {
+        if (plugin_ != nullptr) return;
+        store_ = new test::TempStore();
+        setenv("BRAXCFG_STORE", store_->path().c_str(), 1);
+        plugin_ = new Plugin();
+        test::putDword(test::underProduct(), "LinkbaseVisaPresent", 1);
+    }
     void SetUp() override {
-        ASSERT_TRUE(test::pluginStore().plugin.loaded()) << test::pluginStore().plugin.error();
-        test::clearInterfaces();
+        ASSERT_TRUE(plugin_->loaded()) << plugin_->error();
+        for (const std::string& key : intf("").subkeyNames())
+            if (key.starts_with("INTF")) putTree("[-" + key + "]\n");
     }
     // The window opened on the store as it is now, with `key` selected.
     static std::unique_ptr<ConfigWindow> openWindow(const std::string& key = "") {
-        auto window = std::make_unique<ConfigWindow>(test::pluginStore().plugin);
+        auto window = std::make_unique<ConfigWindow>(*plugin_);
         window->show();
         window->selectInterface(key);
         return window;
     }
     static platform::Registry intf(const std::string& key) { return {key, platform::kRegOpenExisting}; }
+    // Kept to the end: the plug-in's dialogs may outlive a test.
+    static inline test::TempStore* store_ = nullptr;
+    static inline Plugin* plugin_ = nullptr;
 };
 
 TEST_F(ConfigWindowTest, AddSetsUpTheNewInterfaceOrSaysWhyNothingWasAdded) {
@@ -96,37 +109,26 @@ TEST_F(ConfigWindowTest, RemoveAsksFirstAndCancelKeepsEverything) {
 // The choice is read however its dialog closed: Escape carries out the
 // preset, identify now, whose question is then cancelled.
 TEST_F(ConfigWindowTest, ConfigureCarriesOutTheChoiceHoweverTheDialogCloses) {
-    const auto choose = [](const char* radio, Qt::Key close) {
-        return [=](dialogs::CConfigChoice& d) {
-            press(d, radio);
-            close == Qt::Key_Escape ? QTest::keyClick(&d, close) : press(d, "&Continue");
-        };
-    };
-    const auto closeList = [](dialogs::CShowDevices& d) { press(d, "Cancel"); };
-    const struct { const char* name; std::function<void(ModalScript&)> script; bool atRunTime; } cases[] = {
-        {"at run time", [&](ModalScript& s) {
-             s.expect<dialogs::CConfigChoice>(choose("&Automatically identify all known devices at run time.", {}));
-         }, true},
-        {"manually", [&](ModalScript& s) {
-             s.expect<dialogs::CConfigChoice>(choose("&Manually configure devices on this interface.", {}))
-                 .expect<dialogs::CShowDevices>(closeList);
-         }, false},
-        {"escape", [&](ModalScript& s) {
-             s.expect<dialogs::CConfigChoice>(choose("&Automatically identify all known devices at run time.",
-                                                     Qt::Key_Escape))
-                 .expect<dialogs::CReadyAutoConfig>([](auto& d) {
-                     EXPECT_EQ(test::shownText(d, "intfNameLabel"), "VXI3");
-                     press(d, "Cancel");
-                 })
-                 .expect<dialogs::CShowDevices>(closeList);
-         }, false},
+    const char* const atRunTime = "&Automatically identify all known devices at run time.";
+    const struct { const char* radio; bool escape, asked, listed, atRunTime; } cases[] = {
+        {atRunTime, false, false, false, true},
+        {"&Manually configure devices on this interface.", false, false, true, false},
+        {atRunTime, true, true, true, false},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(testing::Message() << c.radio << (c.escape ? ", Escape" : ""));
         putTree("[-INTF3]\n[INTF3]\n\"VISAName\"=\"VXI3\"\n\"VISAIntfType\"=\"VXI\"\n");
         auto window = openWindow("INTF3");
         ModalScript script;
-        c.script(script);
+        script.expect<dialogs::CConfigChoice>([&](auto& d) {
+            press(d, c.radio);
+            c.escape ? QTest::keyClick(&d, Qt::Key_Escape) : press(d, "&Continue");
+        });
+        if (c.asked) script.expect<dialogs::CReadyAutoConfig>([](auto& d) {
+            EXPECT_EQ(test::shownText(d, "intfNameLabel"), "VXI3");
+            press(d, "Cancel");
+        });
+        if (c.listed) script.expect<dialogs::CShowDevices>([](auto& d) { press(d, "Cancel"); });
         // Every dialog of the choice is owned by the window, through its native handle.
         const ui::ModalHandler scripted = ui::setModalHandler([&](QDialog& dialog) {
             EXPECT_NE(dialog.parentWidget(), nullptr) << dialog.metaObject()->className();
@@ -149,7 +151,7 @@ TEST_F(ConfigWindowTest, SetUpAndEditFollowThePluginAndClosingEndsThePass) {
     EXPECT_EQ(intf("INTF0").getString("VISAAutoConfigDriver"), "AUTOCF");
     window->selectInterface("INTF1");
     EXPECT_TRUE(window->editAction()->isEnabled());
-    EXPECT_NE(ui::toStdString(window->statusBar()->findChild<QLabel*>()->text()).find(test::pluginStore().store.path()),
+    EXPECT_NE(ui::toStdString(window->statusBar()->findChild<QLabel*>()->text()).find(store_->path()),
               std::string::npos);
     test::screenshot(*window, "config_window");
     window->close();
