@@ -15,7 +15,6 @@
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTreeWidget>
-#include <fstream>
 
 #include "dialog_test_support.h"
 #include "dialogs/config_choice.h"
@@ -161,11 +160,10 @@ TEST_F(ConfigWindowTest, SetUpAndEditFollowThePluginAndClosingEndsThePass) {
 }
 
 TEST_F(ConfigWindowTest, ImportAndExportGoThroughAFileDialog) {
-    const std::string dir = test::testOutputDir("config_window");
-    const std::string in = dir + "/in.reg", bad = dir + "/bad.reg", out = dir + "/out.reg";
-    std::ofstream(in) << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\" << test::underProduct("INTF7")
-                      << "]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n";
-    std::ofstream(bad) << "REGEDIT4\n\nnonsense\n";
+    const std::string dir = test::testOutputDir("config_window"), out = dir + "/out.reg";
+    const std::string in = test::writeFile(dir + "/in.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\" + test::underProduct("INTF7") +
+                                                               "]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n");
+    const std::string bad = test::writeFile(dir + "/bad.reg", "REGEDIT4\n\nnonsense\n");
     std::filesystem::remove(out);
     auto window = openWindow();
     const auto choose = [](const std::string& path) {
@@ -176,11 +174,8 @@ TEST_F(ConfigWindowTest, ImportAndExportGoThroughAFileDialog) {
     };
     ui::MessageBoxCapture boxes;
     ModalScript script;
-    script.expectClass("QFileDialog", choose(bad)).expectClass("QFileDialog", choose(in));
-    script.expectClass("QFileDialog", choose(out));
-    window->importAction()->trigger();
-    window->importAction()->trigger();
-    window->exportAction()->trigger();
+    for (const std::string* file : {&bad, &in, &out}) script.expectClass("QFileDialog", choose(*file));
+    for (QAction* action : {window->importAction(), window->importAction(), window->exportAction()}) action->trigger();
     EXPECT_EQ(test::problems(script), "");
     ASSERT_EQ(boxes.texts().size(), 1u);  // the parser's reason, for the bad file only
     EXPECT_EQ(boxes.texts()[0].rfind(bad + ": line 3:", 0), 0u) << boxes.texts()[0];
