@@ -128,8 +128,9 @@ TEST(PluginSymbols, OnlyTheSevenExportsAreVisible) {
     ASSERT_NE(pipe, nullptr);
     std::set<std::string> functions;
     for (char name[400]; std::fscanf(pipe.get(), "%399s", name) == 1;) functions.insert(name);
-    EXPECT_EQ(functions, (std::set<std::string>{"isVisaIntfEditable", "isValidVisaIntf", "isVisaIntfSetup",
-                                                "doVisaStartStuff", "doVisaEndStuff", "setupVisaIntf", "editVisaIntf"}));
+    const std::set<std::string> exports = {"isVisaIntfEditable", "isValidVisaIntf", "isVisaIntfSetup",
+                                           "doVisaStartStuff", "doVisaEndStuff", "setupVisaIntf", "editVisaIntf"};
+    EXPECT_EQ(functions, exports);
 }
 
 }  // namespace

@@ -18,11 +18,12 @@ TEST_F(AutoconfigTool, DryRunWritesNothingTheSearchWritesTheNewDevicesAndRefusal
     // The example lab, and no system VISA library; GPIB0 knows GPIB0::22, GPIB3 has no device list.
     const braxcfg::test::ScopedEnv lab("BRAXCFG_LAB", BRAXCFG_SOURCE_DIR "/examples/lab.ini");
     const braxcfg::test::ScopedEnv visa("BRAXCFG_VISA_LIBRARY", "builtin");
-    ASSERT_EQ(tool({"import", write("start.reg", "REGEDIT4\n\n" + kProduct + "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n"
-                   "\"VISAIntfType\"=\"GPIB\"\n" + kProduct + "\\INTF0\\VISADev\\GPIB0::22]\n" + kProduct +
-                   "\\INTF3]\n\"VISAName\"=\"GPIB3\"\n\"VISAIntfType\"=\"GPIB\"\n" + kProduct +
-                   "\\VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INSTR\"\n\"GPIB\"=hex:01\n")})
-                  .exitCode, 0);
+    const std::string start =
+        "REGEDIT4\n\n" + kProduct + "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n" + kProduct +
+        "\\INTF0\\VISADev\\GPIB0::22]\n" + kProduct + "\\INTF3]\n\"VISAName\"=\"GPIB3\"\n\"VISAIntfType\"=\"GPIB\"\n" +
+        kProduct + "\\VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INSTR\"\n"
+        "\"GPIB\"=hex:01\n";
+    ASSERT_EQ(tool({"import", write("start.reg", start)}).exitCode, 0);
     std::string output;
     ASSERT_EQ(run({"autoconfig", "INTF0", "--dry-run"}, &output), 0) << output;
     EXPECT_EQ(output, "Known devices on INTF0 (GPIB0):\n  GPIB0::22\nNew devices (not written, --dry-run):\n"

@@ -19,7 +19,8 @@ TEST_F(BadPathsTool, AreRefusedOrTakenLiterally) {
     ASSERT_EQ(tool({"import", write("max.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\"
                                                "CurrentVersion\\INTF2147483647]\n\"VISAName\"=\"GPIB7\"\n"
                                                "\"VISAIntfType\"=\"GPIB\"\n")}).exitCode, 0);
-    const std::string uri = "file:bad-paths-" + std::to_string(::getpid()) + ".db?mode=memory";  // in the working directory
+    // A URI is a file name, in the working directory.
+    const std::string uri = "file:bad-paths-" + std::to_string(::getpid()) + ".db?mode=memory";
     const struct {
         std::vector<std::string> args;
         std::vector<std::pair<std::string, std::string>> env;
@@ -34,7 +35,7 @@ TEST_F(BadPathsTool, AreRefusedOrTakenLiterally) {
          "BRAXCFG_PLUGIN must be an absolute path"},
         {{"--store", store(), "interfaces"}, {}, 0, "INTF2147483647 GPIB7"},
         {{"--store", store(), "rsrc", "canon", "GPIB7::5"}, {}, 0, "GPIB7::5::INSTR"},
-        {{"--store", uri, "import", path("max.reg")}, {}, 0, ""},  // a URI is a file name
+        {{"--store", uri, "import", path("max.reg")}, {}, 0, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.args));

@@ -23,22 +23,23 @@ TEST_F(CommandLineTool, ArgumentsExitCodesAndOutput) {
     const ScopedEnv storeFromEnvironment("BRAXCFG_STORE", store().c_str());
     const std::string ms = "braxcfg: --timeout takes milliseconds from 1 to 60000\n";
     const std::string seconds = "braxcfg: --timeout takes seconds, more than 0 and at most 60 (2, 0.5)\n";
-    const std::string version = "braxcfg " BRAXCFG_VERSION_TEXT "\n";
+    const std::string version = "braxcfg " BRAXCFG_VERSION_TEXT "\n", db = store();
+    const std::string lo = "TCPIP0::127.0.0.1::INSTR";  // refused before any traffic, and loopback in any case
     const struct { std::vector<std::string> args; int exitCode; std::string out, err; } cases[] = {
         // --store before or after the command word, with or without "=".
-        {{"--store=" + store(), "resolve", "scope"}, 0, "TCPIP0::h::INSTR\n", ""},
-        {{"resolve", "scope", "--store", store()}, 0, "TCPIP0::h::INSTR\n", ""},
-        {{"--store", store(), "--store", store(), "resolve", "scope"}, 2, "", "braxcfg: option --store given more than once\n"},
+        {{"--store=" + db, "resolve", "scope"}, 0, "TCPIP0::h::INSTR\n", ""},
+        {{"resolve", "scope", "--store", db}, 0, "TCPIP0::h::INSTR\n", ""},
+        {{"--store", db, "--store", db, "resolve", "scope"}, 2, "", "braxcfg: option --store given more than once\n"},
         {{"--store=", "resolve", "scope"}, 2, "", "braxcfg: option --store needs a file name, not an empty one\n"},
         {{"--store", "/nonexistent/dir/store.db", "--version"}, 0, version, ""},  // opens no store
         {{"--version", "status"}, 2, "", "braxcfg: --version takes no arguments\n"},
-        {{"test", "TCPIP0::127.0.0.1::INSTR", "--timeout=0"}, 2, "", ms},
-        {{"identify", "TCPIP0::127.0.0.1::INSTR", "--timeout", "60001"}, 2, "", ms},
-        {{"test", "TCPIP0::127.0.0.1::INSTR", "--timeout", "5x"}, 2, "", ms},
+        {{"test", lo, "--timeout=0"}, 2, "", ms},
+        {{"identify", lo, "--timeout", "60001"}, 2, "", ms},
+        {{"test", lo, "--timeout", "5x"}, 2, "", ms},
         {{"discover", "--timeout", "0"}, 2, "", seconds},
         {{"discover", "--timeout", "61"}, 2, "", seconds},
         {{"discover", "--timeout", "1e1"}, 2, "", seconds},
-        {{"test", "TCPIP0::127.0.0.1::INSTR", "--alias", "a", "--alias=b"}, 2, "", "braxcfg: option --alias given more than once\n"},
+        {{"test", lo, "--alias", "a", "--alias=b"}, 2, "", "braxcfg: option --alias given more than once\n"},
         {{"status", "--bogus"}, 2, "", "braxcfg: unknown option --bogus\n"},
         {{"discover", "--add"}, 2, "", "braxcfg: option --add needs a value\n"},
         {{"discover", "--add="}, 2, "", "braxcfg: option --add needs a value\n"},
@@ -49,8 +50,9 @@ TEST_F(CommandLineTool, ArgumentsExitCodesAndOutput) {
         {{"status", "--", "--help"}, 2, "", "braxcfg: '--help' is not a status (0xBFFF0011 or -1073807343)\n"},
         {{"discover", "now"}, 2, "", "braxcfg: discover takes no operand\n"},
         {{"identify"}, 2, "", "braxcfg: identify needs exactly one RESOURCE\n"},
-        {{"identify", "TCPIP0::127.0.0.1::99999::SOCKET"}, 2, "", "braxcfg: \"TCPIP0::127.0.0.1::99999::SOCKET\" is not a "
-         "LAN resource (TCPIP::host[::device][::INSTR] or TCPIP::host::port::SOCKET)\n"},
+        {{"identify", "TCPIP0::127.0.0.1::99999::SOCKET"}, 2, "",
+         "braxcfg: \"TCPIP0::127.0.0.1::99999::SOCKET\" is not a LAN resource (TCPIP::host[::device][::INSTR] or "
+         "TCPIP::host::port::SOCKET)\n"},
         {{"simulate"}, 2, "", "braxcfg: simulate needs exactly one lab FILE\n"},
         {{"simulate", "/nonexistent/lab.ini"}, 2, "", "braxcfg: /nonexistent/lab.ini: cannot read the file\n"},
         // Canonical name, alternate name, status: one line per string.
@@ -80,13 +82,12 @@ TEST_F(CommandLineTool, ArgumentsExitCodesAndOutput) {
         EXPECT_EQ(run.out, c.out);
         EXPECT_EQ(run.err, c.err);
     }
-    // The record of each string, the same on every run (no addresses).
-    const ToolRun dump = runTool({"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"});
+    // A record per string, headed without an address so that it is the same on every run.
+    const ToolRun dump = runTool({"rsrc", "dump", "--", "GPIB0::7", "GPIB0::FOO"});
     EXPECT_EQ(dump.exitCode, 1);
-    EXPECT_EQ(dump.out.rfind("\nIoParms record\n   rsrcString", 0), 0u);
-    EXPECT_EQ(runTool({"rsrc", "dump", "--", "  GPIB0::7 ", "GPIB0::FOO"}).out, dump.out);
-    for (const char* part : {"= 'GPIB0::7'\n   canonicalName = 'GPIB0::7::INSTR'\n", "= 'GPIB0::FOO'\n   canonicalName = ''\n"})
-        EXPECT_NE(dump.out.find(part), std::string::npos) << part;
+    const std::string head = "\nIoParms record\n   rsrcString    = '";
+    EXPECT_EQ(dump.out.rfind(head + "GPIB0::7'\n   canonicalName = 'GPIB0::7::INSTR'\n", 0), 0u);
+    EXPECT_NE(dump.out.find(head + "GPIB0::FOO'\n   canonicalName = ''\n"), std::string::npos);
 }
 
 TEST(CommandLineHelp, PerCommandFromItsOptionsAndTheCommandsForAnUnknownOne) {

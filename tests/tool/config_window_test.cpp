@@ -161,8 +161,9 @@ TEST_F(ConfigWindowTest, SetUpAndEditFollowThePluginAndClosingEndsThePass) {
 
 TEST_F(ConfigWindowTest, ImportAndExportGoThroughAFileDialog) {
     const std::string dir = test::testOutputDir("config_window"), out = dir + "/out.reg";
-    const std::string in = test::writeFile(dir + "/in.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\" + test::underProduct("INTF7") +
-                                                               "]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n");
+    const std::string in = test::writeFile(dir + "/in.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\" +
+                                           test::underProduct("INTF7") + "]\n\"VISAName\"=\"USB0\"\n"
+                                           "\"VISAIntfType\"=\"USB\"\n");
     const std::string bad = test::writeFile(dir + "/bad.reg", "REGEDIT4\n\nnonsense\n");
     std::filesystem::remove(out);
     auto window = openWindow();

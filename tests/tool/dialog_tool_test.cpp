@@ -26,7 +26,8 @@ TEST_F(DialogTool, ScreenshotModeSavesThePictureAndErrorsExitTwo) {
         {{"devices", "INTF0"}, "devices", 0},
         {{"autoconfig", "INTF0", "--list"}, "autoconfig", 0},
         {{"tcpip", "INTF2"}, "tcpip", 0},
-        {{"tcpip-resource", "--prefix", "TCPIP0::", "--host", "h", "--device", "5025", "--alias", "a"}, "tcpip_resource", 0},
+        {{"tcpip-resource", "--prefix", "TCPIP0::", "--host", "h", "--device", "5025", "--alias", "a"},
+         "tcpip_resource", 0},
         {{"devices", "INTF1"}, "", 2},
         {{"tcpip", "INTF0"}, "", 2},  // not a TCPIP interface
         {{"new-device"}, "", 2},

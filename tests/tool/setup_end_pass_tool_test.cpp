@@ -68,7 +68,8 @@ TEST_F(SetupEndPassTool, EachCommandChecksItsInterfaceAndSaysWhatItDid) {
         {{"setup", "INTF0\\VISADev"}, 2, "braxcfg: 'INTF0\\VISADev" + notAKey},
         {{"interfaces", "add", "GPIB"}, 0, "INTF0\n"},
         {{"interfaces", "add", "gpib", "--board", "3"}, 0, "INTF1\n"},
-        {{"interfaces", "add", "GPIB", "--board", "3"}, 2, "braxcfg: another interface is already called GPIB3; nothing was added\n"},
+        {{"interfaces", "add", "GPIB", "--board", "3"}, 2,
+         "braxcfg: another interface is already called GPIB3; nothing was added\n"},
         {{"interfaces", "add", "Gpib"}, 0, "INTF2\n"},  // GPIB1, the lowest free board
         {{"interfaces", "add", "GPIB", "--socket"}, 2, "braxcfg: only TCPIP interfaces have SOCKET resources\n"},
         {{"interfaces", "add", "TCPIP", "--socket"}, 0, "INTF3\n"},
@@ -76,7 +77,8 @@ TEST_F(SetupEndPassTool, EachCommandChecksItsInterfaceAndSaysWhatItDid) {
         {{"interfaces", "add", "LAN"}, 2,
          "braxcfg: unknown interface type 'LAN' (GPIB, VXI, GPIB-VXI, ASRL, PXI, TCPIP, USB or RSIB)\n"},
         {{"interfaces", "add", "VXI", "--board", "65536"}, 2, "braxcfg: the board number must be from 0 to 65535\n"},
-        {{"interfaces", "add", "VXI", "--board", "2x"}, 2, "braxcfg: --board takes a number from 0 to 65535, not '2x'\n"},
+        {{"interfaces", "add", "VXI", "--board", "2x"}, 2,
+         "braxcfg: --board takes a number from 0 to 65535, not '2x'\n"},
         {{"interfaces", "add"}, 2, "braxcfg: usage: braxcfg interfaces add TYPE [--board N] [--socket]\n"},
         {{"interfaces", "remove", "INTF1"}, 0, ""},
         {{"interfaces", "add", "VXI"}, 0, "INTF1\n"},  // the lowest free key

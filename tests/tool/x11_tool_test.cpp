@@ -40,9 +40,9 @@ protected:
         execv(argv[0], argv.data());
         _exit(127);
     }
-    // Whether the tool is still running; once it has ended, `status_` says how.
-    bool running() {
-        if (!ended_ && waitpid(pid_, &status_, WNOHANG) == pid_) ended_ = true;
+    // Whether the tool is still running, after waiting for its end when `wait`.
+    bool running(bool wait = false) {
+        if (!ended_ && waitpid(pid_, &status_, wait ? 0 : WNOHANG) == pid_) ended_ = true;
         return !ended_;
     }
     // Types `keys` into the window titled `title`; false when the tool ended before the window came.
@@ -50,10 +50,7 @@ protected:
         return x_.typeInto(title, keys, [this] { return running(); });
     }
     // The tool's exit code once it has ended; -1 when it did not end normally.
-    int exitCode() {
-        if (!ended_ && waitpid(pid_, &status_, 0) == pid_) ended_ = true;
-        return ended_ && WIFEXITED(status_) ? WEXITSTATUS(status_) : -1;
-    }
+    int exitCode() { return !running(true) && WIFEXITED(status_) ? WEXITSTATUS(status_) : -1; }
     // The interface's row in `braxcfg interfaces`, then its devices.
     std::string intf0() const {
         std::string interfaces, devices;
