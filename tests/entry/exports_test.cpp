@@ -51,17 +51,13 @@ protected:
 };
 
 // The three predicates, and Edit opening the list that suits the type,
-// owned by the host's window, only where the interface is editable.
+// owned by the host's window, only where the interface is editable. A null
+// VISA name: no interface key; a null value name: not set up; a null list:
+// Edit opens nothing.
 TEST_F(Exports, PredicatesAnswerFromTheStoreAndEditFollowsThem) {
     const char* const gpibList = "braxcfg::dialogs::CShowDevices";
-    const struct {
-        const char* intf;
-        const char* visaName;  // null: no interface key
-        const char* typeWord;
-        const char* driverValueName;  // null: not set up
-        int valid, setUp, editable;
-        const char* list;  // the dialog Edit opens; null: none
-    } cases[] = {
+    const struct { const char *intf, *visaName, *typeWord, *driverValueName; int valid, setUp, editable;
+                   const char* list; } cases[] = {
         {"INTF0", nullptr, nullptr, nullptr, 0, 0, 0, nullptr},
         {"INTF1", "", "GPIB", "VISAAutoConfigDriver", 0, 0, 0, nullptr},
         {"INTF2", "GPIB0", "GPIB", nullptr, 1, 0, 1, gpibList},

@@ -15,10 +15,8 @@ TEST(ConfigWindowLogic, ActionsFollowTheSelectionTheTypeAndTheStore) {
                        gpibVxi = row("GPIB-VXI0", "GPIB-VXI"), tcpip = row("TCPIP0", "TCPIP"), noName = row("", "GPIB"),
                        lowerCase = row("GPIB1", "gpib");
     // The plug-in's answer and the store's writability in, the six actions out.
-    const struct {
-        const InterfaceRow* selected;
-        bool editable, writable, setUp, edit, configure, add, remove, import;
-    } cases[] = {
+    const struct { const InterfaceRow* selected; bool editable, writable, setUp, edit, configure, add, remove, import; }
+        cases[] = {
         {nullptr, false, true, false, false, false, true, false, true},
         {&gpib, true, true, true, true, true, true, true, true},
         {&setUpGpib, true, true, false, true, true, true, true, true},  // set up once only

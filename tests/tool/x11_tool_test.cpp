@@ -85,11 +85,10 @@ TEST_F(ToolUnderX, AddAGpibInterfaceEditItAndCloseTheWindow) {
                        "GPIB0::24\n  GPIB0::24::INSTR\n    Driver = \"INSTR\"\n    Prefix = \"INSTR\"\n");
 }
 
-TEST_F(ToolUnderX, TheDeviceListsAddAutoAddAndOkReachTheStore) {
+// Add device by keyboard is the window test's.
+TEST_F(ToolUnderX, TheDeviceListsAutoAddAndOkReachTheStore) {
     ASSERT_EQ(run({"interfaces", "add", "GPIB"}), 0);
     start({"dialog", "devices", "INTF0"});
-    ASSERT_TRUE(inWindow("Show Devices", "alt+a"));  // Add device, address 24, OK by Enter
-    ASSERT_TRUE(inWindow("New Device", "2 4 Return"));
     ASSERT_TRUE(inWindow("Show Devices", "alt+u"));  // Auto Add, Continue, then OK in the result
     ASSERT_TRUE(inWindow("Auto Configuration", "Return"));
     ASSERT_TRUE(inWindow("Auto Configuration Complete!", "Return"));
@@ -98,9 +97,8 @@ TEST_F(ToolUnderX, TheDeviceListsAddAutoAddAndOkReachTheStore) {
     braxcfg::test::XSession::waitForAnimatedClick();
     ASSERT_TRUE(inWindow("Show Devices", "Tab Return"));
     EXPECT_EQ(exitCode(), 0);
-    const std::string found = intf0();
-    EXPECT_EQ(found.substr(0, found.find('\n') + 1), "INTF0    GPIB0        GPIB      set-up     0          4\n");
-    EXPECT_NE(found.find("\nGPIB0::24\n"), std::string::npos) << found;
+    const std::string found = intf0();  // the example lab's three instruments on GPIB0, not identified at run time
+    EXPECT_EQ(found.substr(0, found.find('\n') + 1), "INTF0    GPIB0        GPIB      set-up     0          3\n");
 }
 
 }  // namespace
