@@ -133,12 +133,23 @@ void printOverview(std::ostream& out) {
            "'braxcfg COMMAND --help' describes a command.\n";
 }
 
-std::optional<int> readCommandLine(const Args& words, CommandLine& out) {
-    if (words.empty()) return std::nullopt;
-    if (words[0] == "help") {
-        printOverview(std::cout);
-        return 0;
-    }
+// "help [COMMAND]" in the command's place, after any --store, reads as
+// "[COMMAND] --help", so both ways of asking answer alike.
+Args helpAsOption(Args words) {
+    std::size_t at = 0;
+    while (at < words.size() && words[at].rfind("--store", 0) == 0) at += words[at] == "--store" ? 2 : 1;
+    if (at >= words.size() || words[at] != "help") return words;
+    words.erase(words.begin() + static_cast<std::ptrdiff_t>(at));
+    // An unknown word after "help" stays a command the parser refuses.
+    const bool known = at == words.size() || std::any_of(registeredCommands().begin(), registeredCommands().end(),
+                                                         [&](const Command& c) { return c.name == words[at]; });
+    if (known) words.insert(words.begin() + static_cast<std::ptrdiff_t>(std::min(at + 1, words.size())), "--help");
+    return words;
+}
+
+std::optional<int> readCommandLine(const Args& given, CommandLine& out) {
+    if (given.empty()) return std::nullopt;
+    const Args words = helpAsOption(given);
     // "--" ends the options: what follows it are the command's operands as
     // they are, so the parser sees only the words before it.
     const auto end = std::find(words.begin(), words.end(), "--");
