@@ -93,10 +93,16 @@ TEST_F(CommandLineTool, ArgumentsExitCodesAndOutput) {
 TEST(CommandLineHelp, PerCommandFromItsOptionsAndTheCommandsForAnUnknownOne) {
     EXPECT_NE(runTool({"resolve", "--help"}).out.find("usage: braxcfg resolve [--json] [--] NAME"), std::string::npos);
     EXPECT_NE(runTool({"test", "-h"}).out.find("--timeout MS"), std::string::npos);
-    const ToolRun unknown = runTool({"nosuch"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_NE(unknown.err.find("  resolve "), std::string::npos);
-    EXPECT_NE(unknown.err.find("braxcfg: unknown command 'nosuch'\n"), std::string::npos);
+    // "help" in the command's place, after --store too, asks the same.
+    EXPECT_NE(runTool({"--store", "/nonexistent/s.db", "help", "resolve"}).out.find("usage: braxcfg resolve"),
+              std::string::npos);
+    EXPECT_NE(runTool({"--store=/nonexistent/s.db", "help"}).out.find("\ncommands:\n"), std::string::npos);
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"nosuch"}, {"help", "nosuch"}}) {
+        const ToolRun unknown = runTool(words);
+        EXPECT_EQ(unknown.exitCode, 2);
+        EXPECT_NE(unknown.err.find("  resolve "), std::string::npos);
+        EXPECT_NE(unknown.err.find("braxcfg: unknown command 'nosuch'\n"), std::string::npos);
+    }
 }
 
 }  // namespace
