@@ -1,8 +1,8 @@
 // The modal-run and message-box seams: that a script reports every run that
 // leaves it (else a broken scenario would pass unnoticed), and what
 // production shows when nothing is scripted. A script's nested steps and a
-// host's ownership of the dialogs are exercised by every dialog test and the
-// plug-in's workflow test.
+// host's ownership of the dialogs are exercised by every dialog test and by
+// the exports test, which owns the plug-in's dialogs by a host window.
 #include <gtest/gtest.h>
 
 #include <QApplication>
