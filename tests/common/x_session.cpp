@@ -35,7 +35,10 @@ XSession::XSession() {
         prctl(PR_SET_PDEATHSIG, SIGTERM);  // the server dies with the test
         close(fds[0]);
         dup2(fds[1], 3);
-        execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "1024x768x24", "-nolisten", "tcp", nullptr);
+        // Without -noreset the server resets whenever its last client leaves
+        // (an xdotool call) and refuses connections meanwhile.
+        execlp("Xvfb", "Xvfb", "-displayfd", "3", "-noreset", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+               nullptr);
         _exit(127);
     }
     close(fds[1]);

@@ -1,17 +1,14 @@
 // The auto-configuration module we ship, loaded as the plug-in loads it:
-// its three sources in their order, and its refusal of a record of another
-// layout.
+// its sources in their order, and its refusal of a record of another
+// layout. The lab named by the environment and an unreadable lab are the
+// tool's autoconfig test.
 #include <braxcfg/autocf.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-
-#include "dialogs/done_auto_config_logic.h"
+#include "fake_autocf.h"
 #include "lab_file.h"
 #include "scoped_env.h"
-#include "store/config_store.h"
 #include "store_builder.h"
 #include "temp_store.h"
 #include "visacore/visa_api.h"
@@ -20,55 +17,30 @@ namespace braxcfg::dialogs {
 namespace {
 
 using Names = std::vector<std::string>;
-
-const std::string kLab = std::string(BRAXCFG_EXAMPLES) + "/lab.ini";
-
 using test::ScopedEnv;
 
-struct SourceCase {
-    const char* name;
-    const char* labEnv;       // BRAXCFG_LAB
-    std::string labSetting;   // "LabFile" below the product key
-    const char* visaLibrary;  // BRAXCFG_VISA_LIBRARY
-    Names found;
-    Names messages;
-};
-
-const SourceCase kSources[] = {
-    // The lab answers the instruments on GPIB0 only, newest (last in the file) first.
-    {"LabFromEnvironment", kLab.c_str(), "", FAKE_VISA_PATH, {"GPIB0::9", "GPIB0::5::3", "GPIB0::22"}, {}},
-    {"LabFromProductSetting", nullptr, kLab, FAKE_VISA_PATH, {"GPIB0::9", "GPIB0::5::3", "GPIB0::22"}, {}},
-    {"SystemVisaWithoutLab", nullptr, "", FAKE_VISA_PATH, {"GPIB0::5::3", "GPIB0::3", "GPIB0::7"}, {}},
-    {"NothingWithoutEither", nullptr, "", "builtin", {}, {}},
-    {"UnreadableLabIsAnError", "/nonexistent/lab.ini", "", "builtin", {},
-     {"VISA Error (0xbfff003a) occurred. "}},
-};
-
-class AutocfModule : public ::testing::TestWithParam<SourceCase> {};
-
-TEST_P(AutocfModule, AnswersFromItsSourcesInOrder) {
-    const SourceCase& c = GetParam();
-    test::TempStore store;
-    test::putInterface("INTF0", "GPIB0", "GPIB");
-    if (!c.labSetting.empty()) test::putString(test::underProduct(), "LabFile", c.labSetting);
+TEST(AutocfModule, AnswersFromItsSourcesInOrder) {
+    const std::tuple<std::string, const char*, Names> sources[] = {  // "LabFile" setting, VISA library, found
+        // The lab answers the instruments on GPIB0 only, newest (last in the file) first.
+        {BRAXCFG_EXAMPLES "/lab.ini", FAKE_VISA_PATH, {"GPIB0::9", "GPIB0::5::3", "GPIB0::22"}},
+        {"", FAKE_VISA_PATH, {"GPIB0::5::3", "GPIB0::3", "GPIB0::7"}},
+        {"", "builtin", {}},
+    };
     const ScopedEnv modules("BRAXCFG_MODULE_PATH", AUTOCF_MODULE_DIR);
-    const ScopedEnv lab("BRAXCFG_LAB", c.labEnv);
-    const ScopedEnv visaLibrary("BRAXCFG_VISA_LIBRARY", c.visaLibrary);
-    visa::reselectVisaLibrary();
-
-    store::ConfigStore configStore;
-    StoreDevices devices(configStore, "INTF0");
-    Names messages;
-    const AutoConfigResult result = runAutoConfigSearch(
-        "INTF0", "GPIB0", devices, {[&](const std::string& text) { messages.push_back(text); }, nullptr});
-    EXPECT_EQ(result.newDevices, c.found);
-    ASSERT_EQ(messages.size(), c.messages.size());
-    for (std::size_t i = 0; i < messages.size(); ++i) EXPECT_TRUE(messages[i].starts_with(c.messages[i])) << messages[i];
+    const ScopedEnv lab("BRAXCFG_LAB", nullptr);
+    for (const auto& [labSetting, visaLibrary, found] : sources) {
+        SCOPED_TRACE(labSetting + visaLibrary);
+        test::TempStore store;
+        test::putInterface("INTF0", "GPIB0", "GPIB");
+        if (!labSetting.empty()) test::putString(test::underProduct(), "LabFile", labSetting);
+        const ScopedEnv library("BRAXCFG_VISA_LIBRARY", visaLibrary);
+        visa::reselectVisaLibrary();
+        Names messages;
+        EXPECT_EQ(test::searchIntf0(messages).newDevices, found);
+        EXPECT_EQ(messages, Names{});
+    }
     visa::reselectVisaLibrary();
 }
-
-INSTANTIATE_TEST_SUITE_P(Sources, AutocfModule, ::testing::ValuesIn(kSources),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(AutocfModule, RefusesARecordOfAnotherLayout) {
     void* module = dlopen(AUTOCF_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
@@ -76,18 +48,14 @@ TEST(AutocfModule, RefusesARecordOfAnotherLayout) {
     auto reset = reinterpret_cast<braxcfg_autocf_reset_fn>(dlsym(module, "AUTOCF_autoConfigReset"));
     auto next = reinterpret_cast<braxcfg_autocf_next_dev_fn>(dlsym(module, "AUTOCF_autoConfigNextDev"));
     ASSERT_TRUE(reset && next);
-    const struct {
-        std::uint32_t version, size;
-        std::int32_t status;
-    } rows[] = {{BRAXCFG_AUTOCF_VERSION + 1, sizeof(braxcfg_autocf_record), BRAXCFG_AUTOCF_ERROR_LAYOUT},
-                {BRAXCFG_AUTOCF_VERSION, 8, BRAXCFG_AUTOCF_ERROR_LAYOUT}};
-    for (const auto& row : rows) {
-        // Only the two leading fields may be read from a record of another layout.
+    // Only the two leading fields may be read from a record of another layout.
+    const std::uint32_t fullSize = sizeof(braxcfg_autocf_record);
+    for (const auto& [version, size] : {std::pair{BRAXCFG_AUTOCF_VERSION + 1, fullSize}, std::pair{BRAXCFG_AUTOCF_VERSION, 8u}}) {
         braxcfg_autocf_record record{};
-        record.version = row.version;
-        record.size = row.size;
-        EXPECT_EQ(reset(&record, 0), row.status);
-        EXPECT_EQ(next(&record), row.status);
+        record.version = version;
+        record.size = size;
+        EXPECT_EQ(reset(&record, 0), BRAXCFG_AUTOCF_ERROR_LAYOUT);
+        EXPECT_EQ(next(&record), BRAXCFG_AUTOCF_ERROR_LAYOUT);
     }
     EXPECT_EQ(reset(nullptr, 0), BRAXCFG_AUTOCF_ERROR_INV_PARAMETER);
     dlclose(module);

@@ -1,5 +1,6 @@
-// CDoneAutoConfig in store mode: the search runs while it opens, its
-// messages are owned by it, and the two lists show the result.
+// CDoneAutoConfig's search without a window, in store mode: what it
+// reports, what it writes, and how it treats the module and the session;
+// then the dialog, which runs it while it opens and shows the two lists.
 #include "dialogs/done_auto_config.h"
 
 #include <gtest/gtest.h>
@@ -7,61 +8,130 @@
 #include <QListView>
 
 #include "dialog_test_support.h"
+#include "dialogs/done_auto_config_logic.h"
 #include "fake_autocf.h"
-#include "store/config_store.h"
+#include "temp_store.h"
 #include "tree_text.h"
-#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::dialogs {
 namespace {
 
 using Names = std::vector<std::string>;
 
-TEST(CDoneAutoConfig, StoreModeShowsKnownAndNewDevicesAndWritesTheNewOnes) {
-    const struct {
-        const char* name;
-        std::vector<test::FakeAutocf::Report> reports;
-        Names found;
-        bool foundEnabled;
-        std::size_t boxes;
-    } rows[] = {
-        {"found", {{"GPIB-VXI0::9"}, {"GPIB-VXI0::2"}, {"GPIB-VXI0::9"}}, {"GPIB-VXI0::2", "GPIB-VXI0::9"}, true, 0},
-        {"nothing_new", {{"GPIB-VXI0::1"}}, {kNoNewDevicesFound}, false, 0},
-        {"error", {{"GPIB-VXI0::4"}, {"", visa::VI_ERROR_RSRC_NFOUND}}, {"GPIB-VXI0::4"}, true, 1},
-    };
-    for (const auto& row : rows) {
-        test::TempStore file;
-        test::putTree("[INTF2]\n\"VISAName\"=\"GPIB-VXI0\"\n\"VISAIntfType\"=\"GPIB-VXI\"\n[INTF2\\VISADev\\GPIB-VXI0::1]\n");
-        test::FakeAutocf module;
-        module.reports = row.reports;
-        ui::MessageBoxCapture boxes;
-        ui::ModalScript script;
-        script.expect<CDoneAutoConfig>([&](CDoneAutoConfig& dialog) {
-            EXPECT_EQ(dialog.m_knownList.items(), Names{"GPIB-VXI0::1"}) << row.name;
-            EXPECT_EQ(dialog.m_newList.items(), row.found) << row.name;
-            EXPECT_EQ(dialog.findChild<QListView*>("newList")->isEnabled(), row.foundEnabled) << row.name;
-            test::screenshot(dialog, std::string("done_auto_config_") + row.name);
-            test::press(dialog, "OK");
-        });
-        const store::ConfigStore store;
-        CDoneAutoConfig dialog(nullptr);
-        dialog.InitStoreMode(store, "INTF2", "GPIB-VXI0");
-        dialog.doModal();
-        EXPECT_EQ(test::problems(script), "");
-        ASSERT_EQ(boxes.requests().size(), row.boxes) << row.name;
-        if (row.boxes) {
-            EXPECT_EQ(boxes.requests()[0].owner, &dialog);
-            EXPECT_EQ(boxes.requests()[0].text, kAutoAddErrorMessage);
-        }
-        // New devices are in the store already; the session was held and closed.
-        for (const std::string& name : row.found) {
-            if (name != kNoNewDevicesFound) {
-                EXPECT_TRUE(test::keyExists(test::underProduct("INTF2\\VISADev\\" + name))) << name;
-            }
-        }
-        EXPECT_EQ(module.opened.size(), 1u);
-        EXPECT_EQ(module.closed, module.opened);
-    }
+constexpr visa::ViStatus kTimeout = visa::VI_ERROR_TMO;
+const std::string kVisaTimeout = "VISA Error (0xbfff0015) occurred. " + test::FakeAutocf::statusDescription(kTimeout);
+
+struct SearchCase {
+    const char* name;
+    const char* typeWord;
+    Names stored;
+    visa::ViStatus resetStatus;
+    std::vector<test::FakeAutocf::Report> reports;
+    std::set<std::string> absent;
+    Names known, found, messages, storeAfter;  // expected
+    int nextCalls;
+};
+
+const SearchCase kCases[] = {
+    {"NewestFirstAndWrittenAtOnce", "GPIB", {"GPIB0::1"}, 0, {{"GPIB0::4"}, {"GPIB0::2"}, {"GPIB0::3"}}, {},
+     {"GPIB0::1"}, {"GPIB0::3", "GPIB0::2", "GPIB0::4"}, {}, {"GPIB0::1", "GPIB0::2", "GPIB0::3", "GPIB0::4"}, 4},
+    {"KnownAndRepeatedDevicesAreNotNew", "GPIB", {"GPIB0::1"}, 0, {{"GPIB0::1"}, {"GPIB0::7"}, {"GPIB0::7"}}, {},
+     {"GPIB0::1"}, {"GPIB0::7"}, {}, {"GPIB0::1", "GPIB0::7"}, 4},
+    // The list compares with case; the store's key names do not, so the
+    // "new" device lands in the entry it already has.
+    {"NamesCompareWithCase", "GPIB", {"gpib0::7"}, 0, {{"GPIB0::7"}}, {}, {"gpib0::7"}, {"GPIB0::7"}, {},
+     {"gpib0::7"}, 2},
+    {"FailingResetSearchesNothing", "GPIB", {}, kTimeout, {{"GPIB0::4"}}, {}, {}, {}, {kVisaTimeout}, {}, 0},
+    {"ResourceNotFoundGivesTheLongMessage", "GPIB", {}, 0, {{"GPIB0::4"}, {"", visa::VI_ERROR_RSRC_NFOUND}}, {},
+     {}, {"GPIB0::4"}, {kAutoAddErrorMessage}, {"GPIB0::4"}, 2},
+    {"OtherErrorsKeepWhatWasFound", "GPIB", {}, 0, {{"GPIB0::4"}, {"", kTimeout}, {"GPIB0::5"}}, {}, {},
+     {"GPIB0::4"}, {kVisaTimeout}, {"GPIB0::4"}, 2},
+    {"WithoutNextDeviceTheSearchIsEmpty", "GPIB", {}, 0, {{"GPIB0::4"}}, {"AUTOCF_autoConfigNextDev"}, {}, {}, {},
+     {}, 0},
+    {"WithoutResetTheSearchGoesOn", "GPIB", {}, 0, {{"GPIB0::4"}}, {"AUTOCF_autoConfigReset"}, {}, {"GPIB0::4"},
+     {}, {"GPIB0::4"}, 2},
+    {"SuccessWithoutADeviceEndsTheSearch", "GPIB", {}, 0, {{"GPIB0::4"}, {"", 0, false}, {"GPIB0::5"}}, {}, {},
+     {"GPIB0::4"}, {}, {"GPIB0::4"}, 2},
+    {"GpibVxiErrorStillClosesTheSession", "GPIB-VXI", {}, 0, {{"", kTimeout}}, {}, {}, {}, {kVisaTimeout}, {}, 1},
+};
+
+class AutoConfigSearch : public ::testing::TestWithParam<SearchCase> {};
+
+TEST_P(AutoConfigSearch, ReportsWritesAndCallsTheModule) {
+    const SearchCase& c = GetParam();
+    test::TempStore store;
+    test::putTree(std::string("[INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"") + c.typeWord +
+                  "\"\n[INTF0\\VISADev]\n[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INSTR\"\n"
+                  "\"GPIB\"=hex:01\n");
+    for (const auto& name : c.stored) store::ConfigStore().AddDeviceEntry("INTF0", name, "", "");
+    test::FakeAutocf module;
+    module.resetStatus = c.resetStatus;
+    module.reports = c.reports;
+    module.absent = c.absent;
+    Names messages;
+    const AutoConfigResult result = test::searchIntf0(messages);
+    EXPECT_EQ(result.knownDevices, c.known);
+    EXPECT_EQ(result.newDevices, c.found);
+    EXPECT_EQ(messages, c.messages);
+    EXPECT_EQ(store::ConfigStore().GetDeviceNames("INTF0"), c.storeAfter);
+    EXPECT_EQ(module.nextCalls, c.nextCalls);
+    // Each entry point is looked up again before each call.
+    EXPECT_EQ(module.lookups["AUTOCF_autoConfigReset"], 1);
+    EXPECT_EQ(module.lookups["AUTOCF_autoConfigNextDev"], c.resetStatus == 0 ? std::max(c.nextCalls, 1) : 0);
+    EXPECT_EQ(module.lookups["AUTOCF_autoConfigDone"], 1);
+    EXPECT_EQ(module.dones, 1);
+    EXPECT_EQ(module.resetIntfName, c.absent.count("AUTOCF_autoConfigReset") ? "" : "GPIB0");
+    // Only a GPIB-VXI interface holds a session, and it is closed whatever happened.
+    EXPECT_EQ(module.opened.size(), std::string(c.typeWord) == "GPIB-VXI" ? 1u : 0u);
+    EXPECT_EQ(module.closed, module.opened);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, AutoConfigSearch, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(AutoConfigSearch, MissingModuleIsAnEmptySearchWithoutMessageOrDone) {
+    test::TempStore store;
+    test::putInterface("INTF0", "GPIB0", "GPIB");
+    test::FakeAutocf module;
+    module.moduleMissing = true;
+    Names messages;
+    const AutoConfigResult result = test::searchIntf0(messages);
+    EXPECT_TRUE(result.newDevices.empty());
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(module.dones, 0);
+    EXPECT_EQ(doneAutoConfigLists(result).found, Names{kNoNewDevicesFound});
+    EXPECT_FALSE(doneAutoConfigLists(result).foundEnabled);
+}
+
+TEST(AutoConfigSearch, VisaErrorMessageShowsTheStatusAsItsThirtyTwoBits) {
+    for (const auto& [status, hex] : {std::pair{visa::VI_ERROR_RSRC_NFOUND, "0xbfff0011"},
+                                      std::pair{visa::VI_WARN_UNKNOWN_STATUS, "0x3fff0085"},
+                                      std::pair{visa::toStatus(0x10u), "0x10"}})
+        EXPECT_EQ(visaErrorMessage(status, "text"), std::string("VISA Error (") + hex + ") occurred. text");
+}
+
+TEST(CDoneAutoConfig, StoreModeShowsTheListsAndOwnsItsMessages) {
+    test::TempStore file;
+    test::putTree("[INTF2]\n\"VISAName\"=\"GPIB-VXI0\"\n\"VISAIntfType\"=\"GPIB-VXI\"\n[INTF2\\VISADev\\GPIB-VXI0::1]\n");
+    test::FakeAutocf module;
+    module.reports = {{"", visa::VI_ERROR_RSRC_NFOUND}};
+    ui::MessageBoxCapture boxes;
+    ui::ModalScript script;
+    script.expect<CDoneAutoConfig>([&](CDoneAutoConfig& dialog) {
+        EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB-VXI0");
+        EXPECT_EQ(dialog.m_knownList.items(), Names{"GPIB-VXI0::1"});
+        EXPECT_EQ(dialog.m_newList.items(), Names{kNoNewDevicesFound});
+        EXPECT_FALSE(dialog.findChild<QListView*>("newList")->isEnabled());
+        test::screenshot(dialog, "done_auto_config_store_mode");
+        test::press(dialog, "OK");
+    });
+    const store::ConfigStore store;
+    CDoneAutoConfig dialog(nullptr);
+    dialog.InitStoreMode(store, "INTF2", "GPIB-VXI0");
+    dialog.doModal();
+    EXPECT_EQ(test::problems(script), "");
+    EXPECT_EQ(boxes.texts(), Names{kAutoAddErrorMessage});
+    EXPECT_EQ(boxes.requests().at(0).owner, &dialog);
 }
 
 }  // namespace

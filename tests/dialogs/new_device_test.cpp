@@ -1,8 +1,13 @@
+// CNewDevice in one run: the name composed on every edit, OK only for a
+// typed address, the address rules reached through OK and the entry error
+// that refuses an address, and Cancel that checks nothing; then the rules'
+// own table.
 #include "dialogs/new_device.h"
 
 #include <gtest/gtest.h>
 
 #include "dialog_test_support.h"
+#include "dialogs/address_rules.h"
 #include "dialogs/entry_error.h"
 
 namespace braxcfg::dialogs {
@@ -17,95 +22,73 @@ QLineEdit* addressField(QWidget& dialog) { return dialog.findChild<QLineEdit*>("
 
 bool okEnabled(QWidget& dialog) { return buttonsLabelled(dialog, "OK").at(0)->isEnabled(); }
 
-TEST(CNewDevice, ComposesTheNameAndEnablesOkOnEveryEdit) {
+TEST(CNewDevice, ComposesTheNameOnEveryEditAndRefusesABadAddressOnlyOnOk) {
     // typed, then backspaces: the composed name and whether OK is enabled
     const std::tuple<const char*, int, const char*, bool> edits[] = {
-        {"1", 0, "GPIB0::1", true},     {"0", 0, "GPIB0::10", true}, {"::", 0, "GPIB0::10::", true},
-        {"8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true},   {"", 1, "GPIB0::", false},
-        {"x", 0, "GPIB0::x", true},  // composed as typed; the rules judge it only on OK
-        {"", 1, "GPIB0::", false},
+        {"10::8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true}, {"", 1, "GPIB0::", false},
+        {"x", 0, "GPIB0::x", true}, {"", 1, "GPIB0::", false},  // composed as typed; the rules judge it on OK
     };
     ModalScript script;
-    script.expect<CNewDevice>([&](CNewDevice& dialog) {
-        EXPECT_EQ(shownText(dialog, "prefixEdit"), "GPIB0::");
-        EXPECT_EQ(shownText(dialog, "deviceNameEdit"), "GPIB0::");
-        EXPECT_FALSE(okEnabled(dialog));
-        screenshot(dialog, "new_device_empty");
-        for (const auto& [typed, backspaces, deviceName, enabled] : edits) {
-            QTest::keyClicks(addressField(dialog), typed);
-            for (int i = 0; i < backspaces; ++i) QTest::keyClick(addressField(dialog), Qt::Key_Backspace);
-            EXPECT_EQ(shownText(dialog, "deviceNameEdit"), deviceName);
-            EXPECT_EQ(okEnabled(dialog), enabled) << deviceName;
-        }
-        QTest::keyClick(addressField(dialog), Qt::Key_Return);  // on an empty field it must not reach the rules
-        EXPECT_TRUE(dialog.isVisible());
-        QTest::keyClicks(addressField(dialog), "10::8");
-        screenshot(dialog, "new_device_typed");
-        QTest::keyClick(addressField(dialog), Qt::Key_Return);
-    });
+    script
+        .expect<CNewDevice>([&](CNewDevice& dialog) {
+            EXPECT_EQ(shownText(dialog, "prefixEdit") + "|" + shownText(dialog, "deviceNameEdit"), "GPIB0::|GPIB0::");
+            EXPECT_FALSE(okEnabled(dialog));
+            screenshot(dialog, "new_device_empty");
+            for (const auto& [typed, backspaces, deviceName, enabled] : edits) {
+                QTest::keyClicks(addressField(dialog), typed);
+                for (int i = 0; i < backspaces; ++i) QTest::keyClick(addressField(dialog), Qt::Key_Backspace);
+                EXPECT_EQ(shownText(dialog, "deviceNameEdit"), deviceName);
+                EXPECT_EQ(okEnabled(dialog), enabled) << deviceName;
+            }
+            QTest::keyClick(addressField(dialog), Qt::Key_Return);  // on an empty field it must not reach the rules
+            EXPECT_TRUE(dialog.isVisible());
+            QTest::keyClicks(addressField(dialog), "024");
+            press(dialog, "OK");  // the entry error runs and ends inside this press
+            EXPECT_TRUE(dialog.isVisible());
+            EXPECT_EQ(shownText(dialog, "addressEdit"), "024");
+            addressField(dialog)->selectAll();  // corrected in place, the address then passes
+            QTest::keyClicks(addressField(dialog), "10::8");
+            screenshot(dialog, "new_device_typed");
+            QTest::keyClick(addressField(dialog), Qt::Key_Return);
+        })
+        .expect<CEntryError>([&](CEntryError& error) {
+            EXPECT_EQ(shownText(error, "errorLabel"), "Leading zeros (0) are not allowed in numbers.");
+            EXPECT_EQ(shownText(error, "deviceNameLabel"), "GPIB0::024");
+            EXPECT_EQ(shownText(error, "hintLabel"),
+                      "You must specify a valid device name, such as:\n\n\tGPIB0::24\n\n"
+                      "For GPIB Secondary addresses, use an address such as:\n\n\tGPIB0::10::8");
+            EXPECT_NE(error.parentWidget(), nullptr);
+            screenshot(error, "entry_error_leading_zero");
+            press(error, "OK");
+        })
+        .expect<CNewDevice>([](CNewDevice& dialog) {  // an entry error opening here would be a problem
+            QTest::keyClicks(addressField(dialog), "024");
+            press(dialog, "Cancel");
+        });
     CNewDevice dialog(nullptr);
     dialog.m_prefix = "GPIB0::";
     EXPECT_EQ(dialog.doModal(), kIdOk);
     EXPECT_EQ(dialog.m_deviceName, "GPIB0::10::8");
+    EXPECT_EQ(CNewDevice(nullptr).doModal(), kIdCancel);
     EXPECT_EQ(problems(script), "");
 }
 
-TEST(CNewDevice, RefusedAddressShowsTheEntryErrorAndStaysOpen) {
-    const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"024", "Leading zeros (0) are not allowed in numbers.", "entry_error_leading_zero"},
-        {"24:::5", "Use :: instead of :::", "entry_error_triple_colon"},
+TEST(AddressRules, FirstFailingRuleDecides) {
+    const std::string chars = "Only the digits 0-9 and a colon (:) may be specified.";
+    const std::string zero = "Leading zeros (0) are not allowed in numbers.";
+    const std::string end = "Device name must end with a number.";
+    const std::pair<const char*, std::string> cases[] = {  // "": accepted
+        {"24", ""}, {"0", ""}, {"24::8", ""}, {"24::8::3", ""}, {"::24", ""},
+        {"10::0", ""}, {"0::5", ""},  // a 0 with nothing or a colon after it is no leading zero
+        {"24 5", chars}, {"-1", chars}, {"24\xc3\xa9", chars}, {"0a", chars},  // the character rule comes first
+        {"", "Device name must not be empty."},
+        {"024", zero}, {"24::08", zero}, {"24::0::5", zero},
+        {":05", zero}, {"24::0:", zero},  // before the colon and final-number rules
+        {"0:", end}, {"24::", end}, {":", end},  // ":" before the colon walk
+        {"24:5", "Use :: instead of :"}, {"24::5:6", "Use :: instead of :"}, {"24:::5", "Use :: instead of :::"},
     };
-    for (const auto& [typed, message, shot] : cases) {
-        ModalScript script;
-        script
-            .expect<CNewDevice>([typed = typed](CNewDevice& dialog) {
-                QTest::keyClicks(addressField(dialog), typed);
-                press(dialog, "OK");  // the entry error runs and ends inside this press
-                EXPECT_TRUE(dialog.isVisible());
-                EXPECT_EQ(shownText(dialog, "addressEdit"), typed);
-                addressField(dialog)->selectAll();  // corrected in place, the address then passes
-                QTest::keyClicks(addressField(dialog), "24");
-                press(dialog, "OK");
-            })
-            .expect<CEntryError>([&](CEntryError& error) {
-                EXPECT_EQ(shownText(error, "errorLabel"), message);
-                EXPECT_EQ(shownText(error, "deviceNameLabel"), std::string("GPIB1::") + typed);
-                EXPECT_EQ(shownText(error, "hintLabel"),
-                          "You must specify a valid device name, such as:\n\n\tGPIB0::24\n\n"
-                          "For GPIB Secondary addresses, use an address such as:\n\n\tGPIB0::10::8");
-                EXPECT_NE(error.parentWidget(), nullptr);
-                screenshot(error, shot);
-                press(error, "OK");
-            });
-        CNewDevice dialog(nullptr);
-        dialog.m_prefix = "GPIB1::";
-        EXPECT_EQ(dialog.doModal(), kIdOk);
-        EXPECT_EQ(dialog.m_deviceName, "GPIB1::24");
-        EXPECT_EQ(problems(script), "") << typed;
-    }
-}
-
-TEST(CNewDevice, CancelEndsWithoutCheckingTheAddress) {
-    ModalScript script;  // an entry error opening would be a problem
-    script.expect<CNewDevice>([](CNewDevice& dialog) {
-        QTest::keyClicks(addressField(dialog), "024");
-        press(dialog, "Cancel");
-    });
-    CNewDevice dialog(nullptr);
-    EXPECT_EQ(dialog.doModal(), kIdCancel);
-    EXPECT_EQ(problems(script), "");
-}
-
-TEST(CEntryError, KeepsAHintTheCallerGave) {
-    ModalScript script;
-    script.expect<CEntryError>([](CEntryError& error) {
-        EXPECT_EQ(shownText(error, "hintLabel"), "Use a primary address from 0 to 30.");
-        press(error, "OK");
-    });
-    CEntryError error(nullptr);
-    error.m_hint = "Use a primary address from 0 to 30.";
-    EXPECT_EQ(error.doModal(), kIdOk);
-    EXPECT_EQ(problems(script), "");
+    for (const auto& [address, message] : cases)
+        EXPECT_EQ(checkDeviceAddress(address).value_or(""), message) << '"' << address << '"';
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
-#include <memory>
 
 #include "dialog_test_support.h"
 #include "dialogs/choice_help.h"
@@ -21,49 +19,45 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-template <typename Dialog>
-std::unique_ptr<QDialog> make() {
-    return std::make_unique<Dialog>(nullptr);
-}
-
 TEST(DialogTemplates, CaptionsTextsButtonsAndMnemonics) {
-    struct Template {
-        std::function<std::unique_ptr<QDialog>()> make;
-        const char* caption;
-        Texts fixedTexts, buttons;
-    };
-    const Template templates[] = {
-        {make<CNewDevice>, "New Device", {"Enter the address of this device:"}, {"OK*", "Cancel", "Help (hidden)"}},
-        {make<CEntryError>, "Entry Error",
+    CNewDevice newDevice(nullptr);
+    CEntryError entryError(nullptr);
+    CConfigChoice choice(nullptr);
+    CChoiceHelp choiceHelp(nullptr);
+    CReadyAutoConfig ready(nullptr);
+    CShowDevices showDevices(nullptr);
+    CDoneAutoConfig done(nullptr);
+    const std::tuple<QDialog*, const char*, Texts, Texts> templates[] = {  // caption, fixed texts, buttons
+        {&newDevice, "New Device", {"Enter the address of this device:"}, {"OK*", "Cancel", "Help (hidden)"}},
+        {&entryError, "Entry Error",
          {"The specified device name is not valid:", "<<dev name>>", "<<Error String>>"}, {"OK*"}},
-        {make<CConfigChoice>, "VISA GPIB Device Configuration",
+        {&choice, "VISA GPIB Device Configuration",
          {"For the Interface:", "<VISA Intf Name>", "Would you like to:"},
          {"&Identify all known devices once now (recommended).", "Help",
           "&Automatically identify all known devices at run time.", "Help",
           "&Manually configure devices on this interface.", "Help", "&Continue*"}},
-        {make<CChoiceHelp>, "Help on Configuration Choice", {"My choice", "Advantages:", "Disadvantages:"}, {"OK*"}},
-        {make<CReadyAutoConfig>, "Auto Configuration",
+        {&choiceHelp, "Help on Configuration Choice", {"My choice", "Advantages:", "Disadvantages:"}, {"OK*"}},
+        {&ready, "Auto Configuration",
          {"Ready to Perform Auto Configuration on interface:", "<<intfName>>",
           "Make sure all instruments on this interface are turned on and ready to go. This operation will touch "
           "each instrument on this interface.\n\nThis operation may take several seconds.\n\nOn a remote GPIB "
           "interface over the LAN, this operation may take longer."},
          {"&Continue*", "Cancel"}},
-        {make<CShowDevices>, "Show Devices", {"Devices present on interface <intf>:"},
+        {&showDevices, "Show Devices", {"Devices present on interface <intf>:"},
          {"&Identify devices at run-time", "OK*", "Cancel", "Help (hidden)", "&Add device", "&Remove device",
           "A&uto Add devices"}},
-        {make<CDoneAutoConfig>, "Auto Configuration Complete!",
+        {&done, "Auto Configuration Complete!",
          {"<<intfName>>:", "The following devices were previously identified:",
           "The following new devices were found:"},
          {"OK*"}},
     };
-    for (const Template& t : templates) {
-        const std::unique_ptr<QDialog> dialog = t.make();
-        SCOPED_TRACE(t.caption);
-        EXPECT_EQ(ui::toStdString(dialog->windowTitle()), t.caption);
+    for (const auto& [dialog, caption, fixedTexts, buttons] : templates) {
+        SCOPED_TRACE(caption);
+        EXPECT_EQ(ui::toStdString(dialog->windowTitle()), caption);
         const Texts shown = test::templateLabels(*dialog);
-        for (const std::string& text : t.fixedTexts)
+        for (const std::string& text : fixedTexts)
             EXPECT_NE(std::find(shown.begin(), shown.end(), text), shown.end()) << text;
-        EXPECT_EQ(test::templateButtons(*dialog), t.buttons);
+        EXPECT_EQ(test::templateButtons(*dialog), buttons);
     }
 }
 

@@ -1,135 +1,133 @@
 // The plug-in as a host sees it: loaded with dlopen, called through its C
-// exports, reading a store that this test process writes.
+// exports with a window of the host as owner, reading a store that this
+// test process writes; its dialogs are driven through their own event
+// loops as a person would.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <QDialog>
+#include <QWidget>
+#include <QWindow>
 #include <cstdio>
-#include <filesystem>
-#include <cstdlib>
 #include <memory>
 #include <set>
 
+#include "braxcfg/braxcfg.h"
+#include "foreign_modals.h"
 #include "store_builder.h"
 #include "temp_store.h"
+#include "tree_text.h"
 
+namespace braxcfg::test {
 namespace {
-
-using braxcfg::test::putDword;
-using braxcfg::test::putInterface;
-using braxcfg::test::putString;
-using braxcfg::test::underProduct;
-
-using Predicate = int (*)(const char*);
 
 // One store for the whole program: the plug-in opens its store once, from
 // BRAXCFG_STORE, as it does in a host.
 class Exports : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        store_ = new braxcfg::test::TempStore();
+        store_ = new TempStore();
         setenv("BRAXCFG_STORE", store_->path().c_str(), 1);
         handle_ = dlopen(BRAXCFG_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(handle_, nullptr) << dlerror();
+        putDword(underProduct(), "LinkbaseVisaPresent", 1);
     }
-    static void TearDownTestSuite() {
-        delete store_;
-        store_ = nullptr;
-    }
+    static void TearDownTestSuite() { delete store_; }
+    void SetUp() override { host_.show(); }
 
-    static Predicate predicate(const char* name) {
-        auto fn = reinterpret_cast<Predicate>(dlsym(handle_, name));
+    template <typename Fn>
+    static Fn* exported(const char* name) {
+        auto* fn = reinterpret_cast<Fn*>(dlsym(handle_, name));
         EXPECT_NE(fn, nullptr) << name;
         return fn;
     }
+    void call(const char* name, const char* intf) {
+        exported<void(HWND, const char*)>(name)(reinterpret_cast<HWND>(host_.winId()), intf);
+    }
 
-    static int valid(const char* intf) { return predicate("isValidVisaIntf")(intf); }
-    static int setUp(const char* intf) { return predicate("isVisaIntfSetup")(intf); }
-    static int editable(const char* intf) { return predicate("isVisaIntfEditable")(intf); }
-
-    static braxcfg::test::TempStore* store_;
-    static void* handle_;
+    static inline TempStore* store_ = nullptr;
+    static inline void* handle_ = nullptr;
+    QWidget host_;
 };
 
-braxcfg::test::TempStore* Exports::store_ = nullptr;
-void* Exports::handle_ = nullptr;
-
-struct PredicateCase {
-    const char* intf;
-    const char* visaName;  // null: no interface key
-    const char* typeWord;
-    const char* driverValueName;  // null: not set up
-    int valid, setUp, editable;
-};
-
-TEST_F(Exports, PredicatesAnswerFromTheStore) {
-    const PredicateCase cases[] = {
-        {"INTF0", nullptr, nullptr, nullptr, 0, 0, 0},
-        {"INTF1", "", "GPIB", "VISAAutoConfigDriver", 0, 0, 0},
-        {"INTF2", "GPIB0", "GPIB", nullptr, 1, 0, 1},
-        {"INTF3", "GPIB1", "gpib", nullptr, 1, 0, 0},
-        {"INTF4", "GPIB2", "GPIB", "VISAAutoConfigDriver", 1, 1, 1},
-        {"INTF5", "GPIB3", "GPIB", "visaautoconfigdriver", 1, 0, 1},
-        {"INTF6", "VXI0", "VXI", nullptr, 1, 0, 1},
-        {"INTF7", "GPIB-VXI0", "GPIB-VXI", nullptr, 1, 0, 1},
-        {"INTF8", "TCPIP0", "TCPIP", nullptr, 1, 0, 1},
-        {"INTF9", "ASRL1", "ASRL", nullptr, 1, 0, 0},
-        {"INTF10", "PXI0", "PXI", nullptr, 1, 0, 0},
-        {"INTF11", "USB0", "USB", nullptr, 1, 0, 0},
-        {"INTF12", "RSIB0", "RSIB", nullptr, 1, 0, 0},
-        {"INTF13", "X0", "", nullptr, 1, 0, 0},
+// The three predicates, and Edit opening the list that suits the type,
+// owned by the host's window, only where the interface is editable. A null
+// VISA name: no interface key; a null value name: not set up; a null list:
+// Edit opens nothing.
+TEST_F(Exports, PredicatesAnswerFromTheStoreAndEditFollowsThem) {
+    const char* const gpibList = "braxcfg::dialogs::CShowDevices";
+    const struct { const char *intf, *visaName, *typeWord, *driverValueName; int valid, setUp, editable;
+                   const char* list; } cases[] = {
+        {"INTF0", nullptr, nullptr, nullptr, 0, 0, 0, nullptr},
+        {"INTF1", "", "GPIB", "VISAAutoConfigDriver", 0, 0, 0, nullptr},
+        {"INTF2", "GPIB0", "GPIB", nullptr, 1, 0, 1, gpibList},
+        {"INTF3", "GPIB1", "gpib", nullptr, 1, 0, 0, nullptr},
+        {"INTF4", "GPIB2", "GPIB", "VISAAutoConfigDriver", 1, 1, 1, gpibList},
+        {"INTF5", "GPIB3", "GPIB", "visaautoconfigdriver", 1, 0, 1, gpibList},
+        {"INTF6", "VXI0", "VXI", nullptr, 1, 0, 1, gpibList},
+        {"INTF7", "GPIB-VXI0", "GPIB-VXI", nullptr, 1, 0, 1, gpibList},
+        {"INTF8", "TCPIP0", "TCPIP", nullptr, 1, 0, 1, "braxcfg::tcpip::tcpipshowdev"},
+        {"INTF9", "ASRL1", "ASRL", nullptr, 1, 0, 0, nullptr},
+        {"INTF10", "PXI0", "PXI", nullptr, 1, 0, 0, nullptr},
+        {"INTF11", "USB0", "USB", nullptr, 1, 0, 0, nullptr},
+        {"INTF12", "RSIB0", "RSIB", nullptr, 1, 0, 0, nullptr},
+        {"INTF13", "X0", "", nullptr, 1, 0, 0, nullptr},
     };
-    putDword(underProduct(), "LinkbaseVisaPresent", 1);
     for (const auto& c : cases) {
         if (c.visaName == nullptr) continue;
         putInterface(c.intf, c.visaName, c.typeWord);
         if (c.driverValueName) putString(underProduct(c.intf), c.driverValueName, "");
+        putBool(underProduct(c.intf), "VISAAutoConfig", false);  // so that a list's start-up has nothing to write
     }
     for (const auto& c : cases) {
         SCOPED_TRACE(c.intf);
-        EXPECT_EQ(valid(c.intf), c.valid);
-        EXPECT_EQ(setUp(c.intf), c.setUp);
-        EXPECT_EQ(editable(c.intf), c.editable);
+        EXPECT_EQ(exported<int(const char*)>("isValidVisaIntf")(c.intf), c.valid);
+        EXPECT_EQ(exported<int(const char*)>("isVisaIntfSetup")(c.intf), c.setUp);
+        EXPECT_EQ(exported<int(const char*)>("isVisaIntfEditable")(c.intf), c.editable);
+        const std::string before = treeText(c.intf);
+        ForeignModals modals;
+        if (c.list) modals.then(c.list, [&](QWidget& list) {
+            EXPECT_EQ(list.windowHandle()->transientParent(), host_.windowHandle());
+            qobject_cast<QDialog*>(&list)->reject();
+        });
+        call("editVisaIntf", c.intf);
+        EXPECT_EQ(modals.problems(), std::vector<std::string>{});
+        EXPECT_EQ(modals.opened(), c.list ? std::vector<std::string>{c.list} : std::vector<std::string>{});
+        EXPECT_EQ(treeText(c.intf), before) << "Cancel wrote to the store";
     }
-    EXPECT_EQ(valid(nullptr), 0);
-    EXPECT_EQ(editable(""), 0);
+    EXPECT_EQ(exported<int(const char*)>("isValidVisaIntf")(nullptr), 0);
+    EXPECT_EQ(exported<int(const char*)>("isVisaIntfEditable")(""), 0);
     // Without the product's VISA nothing is editable.
     putDword(underProduct(), "LinkbaseVisaPresent", 0);
-    EXPECT_EQ(editable("INTF2"), 0);
+    EXPECT_EQ(exported<int(const char*)>("isVisaIntfEditable")("INTF2"), 0);
+    putDword(underProduct(), "LinkbaseVisaPresent", 1);
 }
 
-TEST_F(Exports, StartStuffChangesNothing) {
-    putInterface("INTF21", "GPIB21", "GPIB");
-    auto start = reinterpret_cast<void (*)(const char*)>(dlsym(handle_, "doVisaStartStuff"));
-    ASSERT_NE(start, nullptr);
-    // Any write would grow the store or its write-ahead log.
-    const auto storeBytes = [] {
-        std::error_code ec;
-        const auto wal = std::filesystem::file_size(store_->path() + "-wal", ec);
-        return std::filesystem::file_size(store_->path()) + (ec ? 0 : wal);
-    };
-    const auto before = storeBytes();
-    start("INTF21");
-    start("");
-    start(nullptr);
-    EXPECT_EQ(setUp("INTF21"), 0);
-    EXPECT_EQ(storeBytes(), before);
+TEST_F(Exports, StartAndSetUpShowNothingAndLeaveASetUpInterfaceAlone) {
+    putTree("[INTF20]\n\"VISAName\"=\"GPIB20\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n"
+            "\"VISAAutoConfig\"=hex:00\n[INTF21]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n");
+    const std::string before = treeText(""), setUp = treeText("INTF20");
+    ForeignModals modals;
+    for (const char* intf : {"INTF21", "", static_cast<const char*>(nullptr)})
+        exported<void(const char*)>("doVisaStartStuff")(intf);
+    EXPECT_EQ(treeText(""), before) << "nothing to prepare";
+    call("setupVisaIntf", "INTF20");
+    call("setupVisaIntf", "INTF21");
+    EXPECT_EQ(modals.opened(), std::vector<std::string>{});
+    EXPECT_EQ(treeText("INTF20"), setUp);
+    EXPECT_NE(treeText("INTF21").find("\"VISAAutoConfig\"=hex:01"), std::string::npos);
 }
 
 TEST(PluginSymbols, OnlyTheSevenExportsAreVisible) {
-    const std::string command = std::string("nm -D --defined-only ") + BRAXCFG_PLUGIN_PATH;
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::unique_ptr<FILE, int (*)(FILE*)> pipe(
+        popen("nm -D --defined-only " BRAXCFG_PLUGIN_PATH " | awk '$2 == \"T\" { print $3 }'", "r"), pclose);
     ASSERT_NE(pipe, nullptr);
     std::set<std::string> functions;
-    char line[512];
-    while (std::fgets(line, sizeof line, pipe.get())) {
-        char address[64], kind[8], name[400];
-        if (std::sscanf(line, "%63s %7s %399s", address, kind, name) == 3 && std::string(kind) == "T")
-            functions.insert(name);
-    }
-    const std::set<std::string> expected = {"isVisaIntfEditable", "isValidVisaIntf", "isVisaIntfSetup",
-                                            "doVisaStartStuff",   "doVisaEndStuff",  "setupVisaIntf",
-                                            "editVisaIntf"};
-    EXPECT_EQ(functions, expected);
+    for (char name[400]; std::fscanf(pipe.get(), "%399s", name) == 1;) functions.insert(name);
+    const std::set<std::string> exports = {"isVisaIntfEditable", "isValidVisaIntf", "isVisaIntfSetup",
+                                           "doVisaStartStuff", "doVisaEndStuff", "setupVisaIntf", "editVisaIntf"};
+    EXPECT_EQ(functions, exports);
 }
 
 }  // namespace
+}  // namespace braxcfg::test

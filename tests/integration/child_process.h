@@ -50,12 +50,11 @@ public:
         }
         return text;
     }
-    // Asks it to end (SIGTERM), then as wait().
+    // Asks it to end (SIGTERM) and waits: its exit code, -1 when a signal ended it.
     int stop() {
         if (pid_ > 0) kill(pid_, SIGTERM);
         return wait();
     }
-    // The exit code once the program has ended; -1 when a signal ended it.
     int wait() {
         int status = 0;
         const bool reaped = pid_ > 0 && waitpid(pid_, &status, 0) == pid_;

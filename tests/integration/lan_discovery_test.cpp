@@ -21,12 +21,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// Two VXI-11 instruments behind the one portmapper socket (each reply must
+// come from its own address) and one only mDNS knows.
 constexpr const char* kLab = "[TCPIP0::10.77.0.10::inst0::INSTR]\n"
                              "Identification = Tolvane,Scope 4,4004,5.5\n"
                              "Protocols = VXI-11 HiSLIP\n"
                              "[TCPIP0::10.77.0.11::5025::SOCKET]\n"
                              "Identification = Tolvane,Source 9,909,2.0\n"
-                             "MdnsName = Bench source\n";
+                             "MdnsName = Bench source\n"
+                             "[TCPIP0::10.77.0.12::INSTR]\n"
+                             "Identification = Tolvane,Meter 2,22,1.0\n";
 
 class LanDiscovery : public ::testing::Test {
 protected:
@@ -34,7 +38,7 @@ protected:
         // No duplicate address detection: the link-local IPv6 addresses are
         // usable as soon as the links are up.
         ASSERT_EQ(std::system("ip link add v0 type veth peer name v1 && ip addr add 10.77.0.1/24 brd + dev v0 && "
-                              "ip addr add 10.77.0.10/24 dev v0 && ip addr add 10.77.0.11/24 dev v0 && "
+                              "for a in 10 11 12; do ip addr add 10.77.0.$a/24 dev v0 || exit 1; done && "
                               "sysctl -qw net.ipv6.conf.v0.accept_dad=0 net.ipv6.conf.v1.accept_dad=0 && "
                               "ip link set v0 up && ip link set v1 up"),
                   0)
@@ -51,117 +55,61 @@ protected:
         ASSERT_TRUE(ready()) << "the veth pair got no IPv6 link-local addresses";
     }
     void TearDown() override { std::system("ip link del v0"); }
-
-    void serve(bool mdns) {
-        std::string error;
-        sim::SimulatorOptions options;
-        options.mdns = mdns;
-        ASSERT_TRUE(simulator_.start(sim::parseLab(kLab, "lab.ini"), options, error)) << error;
-    }
-
-    static std::vector<DiscoveredInstrument> discover(DiscoveryOptions options = {}) {
-        options.timeout = 1000ms;
-        return discoverLanInstruments(options);
-    }
-
-    sim::Simulator simulator_;
 };
 
-TEST_F(LanDiscovery, BothMethodsAndEachInstrumentOnce) {
-    serve(true);
-    const auto found = discover();
-    ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0].address, "10.77.0.10");
-    EXPECT_EQ(found[0].methods, kFoundByVxi11Broadcast | kFoundByMdns);
-    EXPECT_EQ(found[0].name, "Scope 4");
-    EXPECT_EQ(found[0].resources,
-              (std::vector<std::string>{"TCPIP0::10.77.0.10::inst0::INSTR", "TCPIP0::10.77.0.10::hislip0::INSTR"}));
-    EXPECT_EQ(found[0].identifyStatus, VI_SUCCESS);
-    EXPECT_EQ(found[0].identification, "Tolvane,Scope 4,4004,5.5");
-    // No VXI-11 there: only mDNS knows it.
-    EXPECT_EQ(found[1].address, "10.77.0.11");
-    EXPECT_EQ(found[1].methods, unsigned{kFoundByMdns});
-    EXPECT_EQ(found[1].name, "Bench source");
-    EXPECT_EQ(found[1].resources, std::vector<std::string>{"TCPIP0::10.77.0.11::5025::SOCKET"});
-    EXPECT_EQ(found[1].identification, "Tolvane,Source 9,909,2.0");
+// An instrument on one line: address, the methods that found it, name,
+// identification and resources.
+std::string line(const DiscoveredInstrument& found) {
+    std::string text = found.address + ((found.methods & kFoundByVxi11Broadcast) != 0 ? " broadcast" : "") +
+                       ((found.methods & kFoundByMdns) != 0 ? " mdns" : "") + " '" + found.name + "' " +
+                       found.identification;
+    for (const std::string& resource : found.resources) text += " " + resource;
+    return text;
 }
 
-TEST_F(LanDiscovery, BroadcastAloneWithoutMdnsAnswers) {
-    serve(false);
-    const auto found = discover();
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].address, "10.77.0.10");
-    EXPECT_EQ(found[0].methods, unsigned{kFoundByVxi11Broadcast});
-    EXPECT_EQ(found[0].resources, std::vector<std::string>{"TCPIP0::10.77.0.10::inst0::INSTR"});
-}
-
-TEST_F(LanDiscovery, MdnsOverIpv6Alone) {
-    serve(true);
-    DiscoveryOptions options;
-    options.broadcast = false;
-    options.mdnsOverIpv4 = false;
-    const auto found = discover(options);
-    ASSERT_EQ(found.size(), 2u);
-    // The answers' A records name the instruments, whichever family carried them.
-    EXPECT_EQ(found[0].address, "10.77.0.10");
-    EXPECT_EQ(found[0].methods, unsigned{kFoundByMdns});
-    EXPECT_EQ(found[1].address, "10.77.0.11");
-}
-
-TEST_F(LanDiscovery, BroadcastAnsweredFromEachAddress) {
-    // Two VXI-11 instruments behind one portmapper socket: each reply must
-    // come from its instrument's own address.
-    std::string error;
-    ASSERT_TRUE(simulator_.start(sim::parseLab("[TCPIP0::10.77.0.10::INSTR]\nIdentification = A,One,1,1\n"
-                                               "[TCPIP0::10.77.0.11::INSTR]\nIdentification = A,Two,2,1\n",
-                                               "lab.ini"),
-                                 {}, error))
-        << error;
-    DiscoveryOptions options;
-    options.mdns = false;
-    const auto found = discover(options);
-    ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0].identification, "A,One,1,1");
-    EXPECT_EQ(found[1].identification, "A,Two,2,1");
-    EXPECT_EQ(found[1].resources, std::vector<std::string>{"TCPIP0::10.77.0.11::inst0::INSTR"});
-}
-
-TEST_F(LanDiscovery, SilentOrCancelledGivesNothing) {
-    EXPECT_TRUE(discover().empty()) << "silent network, at the deadline";
-    serve(true);
-    CancelToken cancel;
-    cancel.cancel();
-    DiscoveryOptions options;
-    options.cancel = &cancel;
-    EXPECT_TRUE(discover(options).empty()) << "cancelled before any answer";
-}
-
-TEST_F(LanDiscovery, ToolIdentifyOutcomes) {
-    serve(false);
-    const struct { std::vector<std::string> args; int exitCode; std::string out, err; } cases[] = {
-        {{"TCPIP0::10.77.0.10::inst0::INSTR"}, 0, "Tolvane,Scope 4,4004,5.5\n", ""},
-        {{"TCPIP0::10.77.0.10::hislip0::INSTR"}, 0, "Tolvane,Scope 4,4004,5.5\n", ""},
-        {{"TCPIP::10.77.0.11::5025::SOCKET", "--timeout", "1500"}, 0, "Tolvane,Source 9,909,2.0\n", ""},
-        {{"TCPIP0::10.77.0.10::inst5::INSTR"}, 1, "",
-         "braxcfg: TCPIP0::10.77.0.10::inst5::INSTR: VI_ERROR_RSRC_NFOUND (0xBFFF0011): Insufficient location "
-         "information or the requested device or resource is not present in the system.\n"},
-        {{"TCPIP0::10.77.0.10::INSTR", "--timeout", "0"}, 2, "",
-         "braxcfg: --timeout takes milliseconds from 1 to 60000\n"},
+TEST_F(LanDiscovery, EachInstrumentOnceWithTheMethodsThatFoundIt) {
+    enum class Serve { Nothing, Lab, LabWithMdns };
+    const std::string scope = "Tolvane,Scope 4,4004,5.5 TCPIP0::10.77.0.10::inst0::INSTR";
+    const std::string hislip = " TCPIP0::10.77.0.10::hislip0::INSTR";
+    const std::string source =
+        "10.77.0.11 mdns 'Bench source' Tolvane,Source 9,909,2.0 TCPIP0::10.77.0.11::5025::SOCKET";
+    const std::string meter = "Tolvane,Meter 2,22,1.0 TCPIP0::10.77.0.12::inst0::INSTR";
+    const struct { const char* what; Serve serve; std::vector<std::string> found;
+                   bool broadcast = true, mdnsOverIpv4 = true, cancelled = false; } cases[] = {
+        {"both methods", Serve::LabWithMdns, {"10.77.0.10 broadcast mdns 'Scope 4' " + scope + hislip, source,
+                                              "10.77.0.12 broadcast mdns 'Meter 2' " + meter}},
+        {"broadcast alone", Serve::Lab, {"10.77.0.10 broadcast '' " + scope, "10.77.0.12 broadcast '' " + meter}},
+        // The answers' A records name the instruments, whichever family carried them.
+        {"mDNS over IPv6 alone", Serve::LabWithMdns,
+         {"10.77.0.10 mdns 'Scope 4' " + scope + hislip, source, "10.77.0.12 mdns 'Meter 2' " + meter}, false, false},
+        {"silent network", Serve::Nothing, {}},
+        {"cancelled before any answer", Serve::LabWithMdns, {}, true, true, true},
     };
+    CancelToken cancelled;
+    cancelled.cancel();
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.args[0]);
-        std::vector<std::string> args{"identify"};
-        args.insert(args.end(), c.args.begin(), c.args.end());
-        const test::ToolRun run = test::runTool(args);
-        EXPECT_EQ(run.exitCode, c.exitCode);
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_EQ(run.err, c.err);
+        SCOPED_TRACE(c.what);
+        sim::Simulator simulator;
+        std::string error;
+        sim::SimulatorOptions served;
+        served.mdns = c.serve == Serve::LabWithMdns;
+        ASSERT_TRUE(c.serve == Serve::Nothing || simulator.start(sim::parseLab(kLab, "lab.ini"), served, error))
+            << error;
+        DiscoveryOptions options;
+        options.timeout = 1000ms;
+        options.broadcast = c.broadcast;
+        options.mdnsOverIpv4 = c.mdnsOverIpv4;
+        options.cancel = c.cancelled ? &cancelled : nullptr;
+        std::vector<std::string> found;
+        for (const DiscoveredInstrument& instrument : discoverLanInstruments(options))
+            found.push_back(line(instrument));
+        EXPECT_EQ(found, c.found);
     }
 }
 
-// `simulate` serves until SIGTERM, and `discover` in the same namespace
-// lists what it serves.
-TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
+// The commands as a user runs them: `simulate` serves until SIGTERM, and the
+// others, in the same namespace, reach what it serves.
+TEST_F(LanDiscovery, ToolCommandsReachWhatSimulateServes) {
     const std::string lab = test::testOutputDir("integration") + "/lab-" + std::to_string(getpid()) + ".ini";
     std::ofstream(lab) << kLab;
     test::Child simulate({BRAXCFG_TOOL_PATH, "simulate", lab, "--mdns"});
@@ -171,42 +119,43 @@ TEST_F(LanDiscovery, ToolSimulateUntilStopped) {
         said += line;
     EXPECT_NE(said.find("VXI-11  10.77.0.10 core port"), std::string::npos) << said;
 
-    const test::ToolRun run = test::runTool({"discover", "--timeout", "1"});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_NE(run.out.find("10.77.0.10  (vxi11-broadcast, mdns)  \"Scope 4\"\n"
-                           "  identification: Tolvane,Scope 4,4004,5.5\n"),
-              std::string::npos)
-        << run.out;
+    const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/lan-" + std::to_string(getpid()) +
+                                        ".db");
+    ASSERT_EQ(test::runToolOn(store.path(), {"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
+    ASSERT_EQ(test::runToolOn(store.path(), {"setup", "INTF5"}).exitCode, 0);  // TCPIP0
+    // out, err: a part of what the command prints there.
+    const struct { std::vector<std::string> args; int exitCode; std::string out, err; } cases[] = {
+        {{"identify", "TCPIP0::10.77.0.10::hislip0::INSTR"}, 0, "Tolvane,Scope 4,4004,5.5\n", ""},
+        {{"identify", "TCPIP0::10.77.0.10::inst5::INSTR"}, 1, "",
+         "braxcfg: TCPIP0::10.77.0.10::inst5::INSTR: VI_ERROR_RSRC_NFOUND (0xBFFF0011): "},
+        {{"test", "TCPIP0::10.77.0.10::inst0::INSTR", "--alias", "scope1"}, 0,
+         "Resource Found\nThe resource 'scope1' was found.\n\n(TCPIP0::10.77.0.10::inst0::INSTR)\n"
+         "VI_SUCCESS (0x00000000): Operation completed successfully.\n", ""},
+        {{"discover", "--timeout", "1"}, 0,
+         "10.77.0.10  (vxi11-broadcast, mdns)  \"Scope 4\"\n  identification: Tolvane,Scope 4,4004,5.5\n", ""},
+        {{"discover", "--timeout", "1", "--add", "INTF0"}, 2, "", "braxcfg: INTF0 is not a TCPIP interface\n"},
+        // The report goes to stderr, off the JSON.
+        {{"discover", "--timeout", "1", "--json", "--add", "INTF5"}, 0, "[",
+         "added TCPIP0::10.77.0.10::inst0::INSTR to INTF5\nadded TCPIP0::10.77.0.10::hislip0::INSTR to INTF5\n"
+         "added TCPIP0::10.77.0.11::5025::SOCKET to INTF5\nadded TCPIP0::10.77.0.12::inst0::INSTR to INTF5\n"},
+        {{"devices", "INTF5"}, 0, "TCPIP0::10.77.0.11::5025\n  TCPIP0::10.77.0.11::5025::SOCKET\n", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args[0] + " " + c.args[1]);
+        const test::ToolRun run = test::runToolOn(store.path(), c.args);
+        EXPECT_EQ(run.exitCode, c.exitCode);
+        EXPECT_NE(run.out.find(c.out), std::string::npos) << run.out;
+        EXPECT_NE(run.err.find(c.err), std::string::npos) << run.err;
+        if (c.args.size() > 3 && c.args[3] == "--json") {
+            EXPECT_EQ(nlohmann::json::parse(run.out).at(0),
+                      nlohmann::json({{"address", "10.77.0.10"}, {"methods", {"vxi11-broadcast", "mdns"}},
+                                      {"name", "Scope 4"}, {"identification", "Tolvane,Scope 4,4004,5.5"},
+                                      {"resources", {"TCPIP0::10.77.0.10::inst0::INSTR",
+                                                     "TCPIP0::10.77.0.10::hislip0::INSTR"}}}));
+        }
+    }
     EXPECT_EQ(simulate.stop(), 0);
     std::remove(lab.c_str());
-}
-
-TEST_F(LanDiscovery, ToolDiscoverJsonAddsWhatItFoundToATcpipInterface) {
-    serve(true);
-    const test::ScratchStoreFiles store(test::testOutputDir("integration") + "/lan-add-" + std::to_string(getpid()) +
-                                        ".db");
-    const auto tool = [&](const std::vector<std::string>& args) { return test::runToolOn(store.path(), args); };
-    ASSERT_EQ(tool({"import", BRAXCFG_TEST_FIXTURES "/setup_every_type.reg"}).exitCode, 0);
-    ASSERT_EQ(tool({"setup", "INTF5"}).exitCode, 0);  // TCPIP0
-    EXPECT_EQ(tool({"discover", "--timeout", "1", "--add", "INTF0"}).err,
-              "braxcfg: INTF0 is not a TCPIP interface\n");
-    const test::ToolRun added = tool({"discover", "--timeout", "1", "--json", "--add", "INTF5"});
-    EXPECT_EQ(added.exitCode, 0);
-    EXPECT_EQ(added.err, "added TCPIP0::10.77.0.10::inst0::INSTR to INTF5\n"
-                         "added TCPIP0::10.77.0.10::hislip0::INSTR to INTF5\n"
-                         "added TCPIP0::10.77.0.11::5025::SOCKET to INTF5\n");
-    // The report stays off the JSON.
-    const auto list = nlohmann::json::parse(added.out);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0]["address"], "10.77.0.10");
-    EXPECT_EQ(list[0]["methods"], nlohmann::json({"vxi11-broadcast", "mdns"}));
-    EXPECT_EQ(list[0]["identification"], "Tolvane,Scope 4,4004,5.5");
-    EXPECT_EQ(list[1]["resources"], nlohmann::json({"TCPIP0::10.77.0.11::5025::SOCKET"}));
-    const std::string listed = tool({"devices", "INTF5"}).out;
-    for (const char* entry : {"TCPIP0::10.77.0.10::inst0\n  TCPIP0::10.77.0.10::inst0::INSTR\n",
-                              "TCPIP0::10.77.0.10::hislip0\n  TCPIP0::10.77.0.10::hislip0::INSTR\n",
-                              "TCPIP0::10.77.0.11::5025\n  TCPIP0::10.77.0.11::5025::SOCKET\n"})
-        EXPECT_NE(listed.find(entry), std::string::npos) << entry << " in\n" << listed;
 }
 
 }  // namespace

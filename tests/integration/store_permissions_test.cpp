@@ -9,10 +9,10 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 
 #include "tool_run.h"
 
@@ -44,13 +44,10 @@ protected:
     // The test user, in this namespace only: a private copy of /etc/passwd
     // bound over the real one, and a home folder.
     static bool makeUser() {
-        const std::string passwd = "/run/braxcfg-test-passwd";
-        fs::copy_file("/etc/passwd", passwd, fs::copy_options::overwrite_existing);
-        std::ofstream(passwd, std::ios::app) << "braxcfgtest:x:" << kUser << ":" << kUser << "::" << kHome
-                                             << ":/bin/sh\n";
-        fs::create_directories(kHome);
-        return ::chown(kHome.c_str(), kUser, kUser) == 0 &&
-               ::mount(passwd.c_str(), "/etc/passwd", nullptr, MS_BIND, nullptr) == 0;
+        return std::system("cp /etc/passwd /run/braxcfg-test-passwd && mkdir -p /run/braxcfg-test-home && "
+                           "echo 'braxcfgtest:x:4242:4242::/run/braxcfg-test-home:/bin/sh' >>/run/braxcfg-test-passwd "
+                           "&& chown 4242:4242 /run/braxcfg-test-home && "
+                           "mount --bind /run/braxcfg-test-passwd /etc/passwd") == 0;
     }
 
     static ToolOptions as(uid_t uid, mode_t umask = 022) {
@@ -70,51 +67,45 @@ protected:
 };
 
 TEST_F(StorePermissions, TheMachineWideStoreIsRootsAlone) {
-    const auto madeByRoot = [] { ASSERT_EQ(runToolAs({"import", kInput}, as(0)).exitCode, 0); };
-    const struct {
-        const char* label;
-        std::function<void()> prepare;
-        ToolOptions options;
-        std::vector<std::string> args;
-        int exit;
-        const char* output;  // part of what the tool prints
-        std::function<void()> check;
-    } cases[] = {
-        {"root, umask 000", [] {}, as(0, 0), {"import", kInput}, 0, "",
-         [] { EXPECT_EQ(mode(kFolder) + ", " + mode(kStore), "755 uid 0, 644 uid 0"); }},
-        {"root, umask 077", [] {}, as(0, 077), {"import", kInput}, 0, "",
-         [] { EXPECT_EQ(mode(kFolder) + ", " + mode(kStore), "755 uid 0, 644 uid 0"); }},
-        {"folder writable by others", [&] { madeByRoot(); ::chmod(kFolder.c_str(), 0777); }, as(0), {"interfaces"}, 2,
-         "braxcfg is writable by group or others", [] {}},
-        {"file writable by group", [&] { madeByRoot(); ::chmod(kStore.c_str(), 0664); }, as(0), {"interfaces"}, 2,
-         "registry.db is writable by group or others", [] {}},
-        {"file of another user", [&] { madeByRoot(); ASSERT_EQ(::chown(kStore.c_str(), kUser, kUser), 0); }, as(0),
-         {"interfaces"}, 2, "registry.db is not owned by root", [] {}},
-        {"a link in place of the file",
-         [] {
-             ::mkdir(kFolder.c_str(), 0755);
-             fs::create_symlink("/var/lib/elsewhere.db", kStore);
-         },
-         as(0), {"import", kInput}, 2, "is not a regular file", [] { EXPECT_EQ(mode("/var/lib/elsewhere.db"), "missing"); }},
-        {"user reads root's store", madeByRoot, as(kUser), {"interfaces"}, 0, "INTF0", [] {}},
-        {"user cannot write root's store", madeByRoot, as(kUser), {"import", kInput}, 2, "not writable by this user",
-         [] {}},
-        {"user without a machine-wide store", [] {}, as(kUser), {"import", kInput}, 0, "",
-         [] {
-             EXPECT_EQ(mode(kFolder), "missing");
-             EXPECT_EQ(mode(kHome + "/.local/state/braxcfg/registry.db"), "644 uid 4242");
-         }},
+    // After each case: the folder, the store, the user's own store, and
+    // where a link in place of the store points.
+    const auto state = [] {
+        return mode(kFolder) + ", " + mode(kStore) + ", " + mode(kHome + "/.local/state/braxcfg/registry.db") + ", " +
+               mode("/var/lib/elsewhere.db");
+    };
+    // rootStore: root made the store first; prepare: a shell command after that;
+    // output: a part of what the tool prints.
+    const struct { const char* label; bool rootStore; const char* prepare; ToolOptions options;
+                   std::vector<std::string> args; int exit; const char* output; const char* state; } cases[] = {
+        {"root, umask 000", false, "", as(0, 0), {"import", kInput}, 0, "", "755 uid 0, 644 uid 0, missing, missing"},
+        {"root, umask 077", false, "", as(0, 077), {"import", kInput}, 0, "", "755 uid 0, 644 uid 0, missing, missing"},
+        {"folder writable by others", true, "chmod 777 /var/lib/braxcfg", as(0), {"interfaces"}, 2,
+         "braxcfg is writable by group or others", "777 uid 0, 644 uid 0, missing, missing"},
+        {"file writable by group", true, "chmod 664 /var/lib/braxcfg/registry.db", as(0), {"interfaces"}, 2,
+         "registry.db is writable by group or others", "755 uid 0, 664 uid 0, missing, missing"},
+        {"file of another user", true, "chown 4242 /var/lib/braxcfg/registry.db", as(0), {"interfaces"}, 2,
+         "registry.db is not owned by root", "755 uid 0, 644 uid 4242, missing, missing"},
+        {"a link in place of the file", false,
+         "mkdir /var/lib/braxcfg && ln -s /var/lib/elsewhere.db /var/lib/braxcfg/registry.db",
+         as(0), {"import", kInput}, 2, "is not a regular file", "755 uid 0, 777 uid 0, missing, missing"},
+        {"user reads root's store", true, "", as(kUser), {"interfaces"}, 0, "INTF0",
+         "755 uid 0, 644 uid 0, missing, missing"},
+        {"user cannot write root's store", true, "", as(kUser), {"import", kInput}, 2, "not writable by this user",
+         "755 uid 0, 644 uid 0, missing, missing"},
+        {"user without a machine-wide store", false, "", as(kUser), {"import", kInput}, 0, "",
+         "missing, missing, 644 uid 4242, missing"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
         TearDown();
         SetUp();
         fs::remove_all(kHome + "/.local");
-        c.prepare();
+        ASSERT_TRUE(!c.rootStore || runToolAs({"import", kInput}, as(0)).exitCode == 0);
+        ASSERT_EQ(std::system(*c.prepare != '\0' ? c.prepare : "true"), 0);
         const auto run = runToolAs(c.args, c.options);
         EXPECT_EQ(run.exitCode, c.exit) << (run.out + run.err);
         EXPECT_NE((run.out + run.err).find(c.output), std::string::npos) << (run.out + run.err);
-        c.check();
+        EXPECT_EQ(state(), c.state);
     }
 }
 
@@ -127,17 +118,12 @@ TEST_F(StorePermissions, AFullDiskChangesNothing) {
     std::string big = "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Big]\n";
     for (int i = 0; i < 400; ++i) big += "\"v" + std::to_string(i) + "\"=\"" + std::string(1000, 'x') + "\"\n";
     std::ofstream("/var/lib/big.reg") << big;
-    {
-        std::ofstream filler(dir + "/filler", std::ios::binary);
-        const std::string block(4096, '\0');
-        while (filler.write(block.data(), block.size())) {
-        }
-    }
+    std::system("cat /dev/zero >/var/lib/full/filler 2>/dev/null");  // fails once the disk is full
     const auto run = runTool({"--store", store, "import", "/var/lib/big.reg"});
     fs::remove(dir + "/filler");
     EXPECT_EQ(run.exitCode, 2) << (run.out + run.err);
-    EXPECT_NE((run.out + run.err).find("the store " + store + " cannot be written: the disk is full"), std::string::npos)
-        << (run.out + run.err);
+    const std::string said = run.out + run.err;
+    EXPECT_NE(said.find("the store " + store + " cannot be written: the disk is full"), std::string::npos) << said;
     EXPECT_EQ(runTool({"--store", store, "export", "--key", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Big"}).exitCode, 2);
     ::umount2(dir.c_str(), MNT_DETACH);
 }

@@ -1,13 +1,22 @@
 // The LAN resource list driven through its buttons: start-up from the store,
-// Add, Edit, Remove, OK's rewrite of devices and aliases, Cancel, and a store
-// that cannot be written.
+// Add, Edit, Remove, Test, OK's rewrite of devices and aliases, Cancel, and a
+// store that cannot be written. Tests run against loopback servers; which
+// outcome gives which box is the probe's own test.
 #include "tcpip/tcpipshowdev.h"
 
 #include <gtest/gtest.h>
 
-#include "tcpip_dialog_support.h"
-#include "tcpip/lan_device_writes.h"
+#include <QTimer>
+#include <future>
+#include <utility>
+
+#include "dialog_test_support.h"
+#include "fake_servers.h"
+#include "store_builder.h"
 #include "store_write_lock.h"
+#include "tcpip/tcpipnewdev.h"
+#include "tree_text.h"
+#include "ui/testing/message_box_capture.h"
 
 namespace braxcfg::tcpip {
 namespace {
@@ -15,25 +24,62 @@ namespace {
 using namespace test;
 using ui::kIdCancel;
 using ui::kIdOk;
-using ui::ModalScript;
 using Entries = std::vector<std::string>;
 
-struct ListRun {
-    ModalScript script;
-    ui::MessageBoxCapture boxes;
-    int result = kIdCancel;
+// The built-in VISA: a VISA library installed on the machine must not answer.
+[[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
+
+// INTF2 is TCPIP0 with INSTR and SOCKET resources, KORL name "lan0"; `act`
+// drives its list, opened as the workflow opens it.
+class TcpipShowDev : public testing::Test {
+protected:
+    void SetUp() override {
+        putTree("[INTF2]\n\"VISAName\"=\"TCPIP0\"\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAKorlIntfName\"=\"lan0\"\n"
+                "[INTF2\\VISADev]\n"
+                "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"lan\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n"
+                "[VISAInfo\\DefaultRsrcs\\SOCKET]\n\"DrvrName\"=\"sock\"\n\"PrefixName\"=\"TCPIP\"\n\"TCPIP\"=hex:01\n");
+        putDword(underProduct(), "ResourceTestTimeout", 300);
+    }
+    int runList(std::function<void(tcpipshowdev&)> act, bool editable = true) {
+        script_.expect<tcpipshowdev>(std::move(act));
+        const store::ConfigStore config;
+        tcpipshowdev dialog(nullptr);
+        dialog.Init(&config, "INTF2", "TCPIP0", editable, 1);
+        const int result = dialog.doModal();
+        EXPECT_EQ(problems(script_), "");
+        return result;
+    }
+    TempStore store_;
+    ui::ModalScript script_;
+    ui::MessageBoxCapture boxes_;
 };
 
-// Opens the list of INTF2 as the workflow does and runs `act` on it.
-void openList(ListRun& run, std::function<void(tcpipshowdev&)> act, bool editable = true) {
-    run.script.expect<tcpipshowdev>(std::move(act));
-    run.result = runLanList(editable);
+std::vector<std::string> listEntries(const tcpipshowdev& dialog) { return dialog.m_deviceList.items(); }
+
+// Which of OK, Cancel, Add, Edit, Test, Remove are enabled, as "OCAETR"
+// with '-' for a disabled one.
+std::string enabledButtons(QWidget& dialog) {
+    std::string states;
+    const std::pair<const char*, char> buttons[] = {{"&OK", 'O'},          {"&Cancel", 'C'},      {"&Add device", 'A'},
+                                                    {"&Edit device", 'E'}, {"&Test device", 'T'}, {"&Remove device", 'R'}};
+    for (const auto& [text, letter] : buttons) states += buttonsLabelled(dialog, text).at(0)->isEnabled() ? letter : '-';
+    return states;
 }
 
-// Adds one resource through the add dialog.
-ModalScript& addStep(ModalScript& script, const std::string& host, const std::string& device,
-                     const std::optional<std::string>& alias = std::nullopt) {
-    return script.expect<tcpipnewdev>([=](tcpipnewdev& child) {
+QLineEdit* field(QWidget& dialog, const char* name) { return dialog.findChild<QLineEdit*>(name); }
+
+// Replaces a field's text as a person would: select all, delete, type.
+void typeInto(QWidget& dialog, const char* name, const std::string& text) {
+    QLineEdit* edit = field(dialog, name);
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClicks(edit, ui::toQString(text));
+}
+
+// Scripts the add dialog: host and device typed, the alias too when given, OK.
+void expectAdd(ui::ModalScript& script, const std::string& host, const std::string& device,
+               const std::optional<std::string>& alias = std::nullopt) {
+    script.expect<tcpipnewdev>([=](tcpipnewdev& child) {
         typeInto(child, "hostEdit", host);
         typeInto(child, "deviceEdit", device);
         if (alias) typeInto(child, "aliasEdit", *alias);
@@ -46,30 +92,21 @@ void selectOnly(tcpipshowdev& dialog, std::initializer_list<int> rows) {
     for (int row : rows) dialog.m_deviceList.setSel(row, true);
 }
 
-class TcpipShowDev : public testing::Test {
-protected:
-    void SetUp() override { putLanInterface(); }
-    TempStore store_;
-};
-
-TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexThenButtonsFollowClicks) {
-    putTree(
-        "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
-        "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::SOCKET]\n"
-        "[INTF2\\VISADev\\TCPIP0::b::5025\\TCPIP0::b::5025::SOCKET]\n"
-        "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
-        "[VISADevices]\n\"Scope\"=\"tcpip0::A::INST0::instr\"\n");
+TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexButtonsFollowClicksAndCancelWritesNothing) {
+    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::SOCKET]\n"
+            "[INTF2\\VISADev\\TCPIP0::b::5025\\TCPIP0::b::5025::SOCKET]\n"
+            "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
+            "[VISADevices]\n\"Scope\"=\"tcpip0::A::INST0::instr\"\n");
+    const std::string before = treeText("");
     for (const bool editable : {true, false}) {
-        ListRun run;
-        openList(
-            run,
+        const int result = runList(
             [&](tcpipshowdev& dialog) {
                 EXPECT_EQ(shownText(dialog, "headingLabel"), "Manually configured devices on the TCPIP0 interface:");
                 // Device 0's two resources land at index 0 one after the
                 // other (the second first); device 1 at index 1, between.
-                EXPECT_EQ(listEntries(dialog),
-                          (Entries{"\tTCPIP0::a::inst0::SOCKET", "\tTCPIP0::b::5025::SOCKET",
-                                   "\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
+                EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::a::inst0::SOCKET", "\tTCPIP0::b::5025::SOCKET",
+                                                        "\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
                 EXPECT_EQ(enabledButtons(dialog), editable ? "OCA---" : "OC----");
                 if (editable) screenshot(dialog, "tcpipshowdev_loaded");
                 selectOnly(dialog, {3});
@@ -77,19 +114,21 @@ TEST_F(TcpipShowDev, StartsWithHeadingAndEntriesAtTheirDeviceIndexThenButtonsFol
                 if (editable) screenshot(dialog, "tcpipshowdev_selected");
                 selectOnly(dialog, {0, 1});
                 EXPECT_EQ(enabledButtons(dialog), editable ? "OCA-TR" : "OC--TR");  // two: no Edit
+                press(dialog, "&Remove device");
+                EXPECT_EQ(listEntries(dialog),
+                          (Entries{"\tTCPIP0::c::inst0::INSTR", "Scope\tTCPIP0::a::inst0::INSTR"}));
                 press(dialog, "&Cancel");
             },
             editable);
-        EXPECT_EQ(run.result, kIdCancel);
-        EXPECT_EQ(problems(run.script), "");
+        EXPECT_EQ(result, kIdCancel);
+        EXPECT_EQ(treeText(""), before);
     }
 }
 
-TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
+TEST_F(TcpipShowDev, AddWithAutomaticAliasKeepsItsWeakDuplicateChecksThenOkWrites) {
     putTree("[VISADevices]\n\"TcpipDevice1\"=\"TCPIP0::old::inst0::INSTR\"\n\"tcpipdevice2\"=\"TCPIP0::x::1::SOCKET\"\n");
-    ListRun run;
-    openList(run, [&](tcpipshowdev& dialog) {
-        run.script.expect<tcpipnewdev>([&](tcpipnewdev& child) {
+    EXPECT_EQ(runList([&](tcpipshowdev& dialog) {
+        script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
             EXPECT_EQ(ui::toStdString(child.windowTitle()), "Add a TCPIP resource");
             EXPECT_EQ(shownText(child, "prefixEdit"), "TCPIP0::");
             EXPECT_EQ(shownText(child, "aliasEdit"), "TcpipDevice3");
@@ -98,138 +137,95 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasThenOkWritesDevicesAndAliases) {
             typeInto(child, "deviceEdit", "5025");
             press(child, "&OK");
         });
-        addStep(run.script, "myhost", "", std::string());  // no alias
+        expectAdd(script_, "myhost", "", std::string());  // no alias
+        expectAdd(script_, "myhost", "", "TCPIPDEVICE1");  // the same resource; a taken alias in other case
         press(dialog, "&Add device");
         EXPECT_EQ(enabledButtons(dialog), "OCA---");
         press(dialog, "&Add device");
-        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::myhost::inst0::INSTR",
-                                                "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
+        press(dialog, "&Add device");
+        EXPECT_EQ(listEntries(dialog),
+                  (Entries{"\tTCPIP0::myhost::inst0::INSTR", "TCPIPDEVICE1\tTCPIP0::myhost::inst0::INSTR",
+                           "TcpipDevice3\tTCPIP0::127.0.0.1::5025::SOCKET"}));
         press(dialog, "&OK");
-    });
-    EXPECT_EQ(run.result, kIdOk);
-    EXPECT_EQ(problems(run.script), "");
-    EXPECT_EQ(run.boxes.texts(), Entries{});
+    }), kIdOk);
+    // No message for the third: the device check compares whole entries with
+    // the bare string, and the alias check the automatic name; the list
+    // gains the entry, the aliases do not.
+    EXPECT_EQ(boxes_.texts(), Entries{});
     EXPECT_EQ(treeText("INTF2\\VISADev"),
               "[]\n[TCPIP0::127.0.0.1::5025]\n[TCPIP0::127.0.0.1::5025\\TCPIP0::127.0.0.1::5025::SOCKET]\n"
-              "\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n"
-              "[TCPIP0::myhost::inst0]\n[TCPIP0::myhost::inst0\\TCPIP0::myhost::inst0::INSTR]\n"
-              "\"Driver\"=\"lan\"\n\"Prefix\"=\"TCPIP\"\n");
+              "\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n[TCPIP0::myhost::inst0]\n"
+              "[TCPIP0::myhost::inst0\\TCPIP0::myhost::inst0::INSTR]\n\"Driver\"=\"lan\"\n\"Prefix\"=\"TCPIP\"\n");
     EXPECT_EQ(treeText("VISADevices"), "[]\n\"TcpipDevice1\"=\"TCPIP0::old::inst0::INSTR\"\n"
                                        "\"tcpipdevice2\"=\"TCPIP0::x::1::SOCKET\"\n"
                                        "\"TcpipDevice3\"=\"TCPIP0::127.0.0.1::5025::SOCKET\"\n");
     EXPECT_EQ(treeText("Devices"), "[]\n\"TcpipDevice3\"=\"lan0,5025[127.0.0.1]\"\n");
 }
 
-TEST_F(TcpipShowDev, AddKeepsItsWeakDuplicateChecks) {
-    putTree("[INTF2\\VISADev\\TCPIP0::h::inst0\\TCPIP0::h::inst0::INSTR]\n"
-            "[VISADevices]\n\"Scope\"=\"TCPIP0::s::inst0::INSTR\"\n");
-    ListRun run;
-    openList(run, [&](tcpipshowdev& dialog) {
-        addStep(run.script, "h", "inst0", "scope");  // same resource, same alias (other case)
-        press(dialog, "&Add device");
-        press(dialog, "&OK");
-    });
-    // No message: the device check compares whole entries with the bare
-    // string, and the alias check the automatic name; the list gains the
-    // entry, the aliases do not.
-    EXPECT_EQ(run.boxes.texts(), Entries{});
-    EXPECT_EQ(treeText("VISADevices"), "[]\n\"Scope\"=\"TCPIP0::s::inst0::INSTR\"\n");
-    EXPECT_EQ(problems(run.script), "");
-}
-
 TEST_F(TcpipShowDev, EditRecordsEachAliasCase) {
-    const struct {
-        const char* name;
-        const char* oldAlias;  // "" for none
-        const char* newAlias;
-        const char* visaDevices;  // after OK
-        const char* devices;
-    } cases[] = {
-        {"none to none", "", "", "[]\n", "[]\n"},
-        {"none to new", "", "bench", "[]\n\"bench\"=\"TCPIP0::h::5025::SOCKET\"\n", "[]\n"},
-        {"old to none", "scope", "", "[]\n", "[]\n"},
-        {"old renamed", "scope", "meter", "[]\n\"meter\"=\"TCPIP0::h::5025::SOCKET\"\n",
-         "[]\n\"meter\"=\"lan0[h]:inst0\"\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const TempStore store;
-        putLanInterface();
-        putTree("[INTF2\\VISADev\\TCPIP0::h::inst0\\TCPIP0::h::inst0::INSTR]\n[VISADevices]\n[Devices]\n");
-        if (*c.oldAlias != '\0')
-            putTree(std::string("[VISADevices]\n\"") + c.oldAlias + "\"=\"TCPIP0::h::inst0::INSTR\"\n[Devices]\n\"" +
-                    c.oldAlias + "\"=\"lan0[h]:inst0\"\n");
-        ListRun run;
-        openList(run, [&](tcpipshowdev& dialog) {
-            run.script.expect<tcpipnewdev>([&](tcpipnewdev& child) {
+    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::d::inst0\\TCPIP0::d::inst0::INSTR]\n"
+            "[VISADevices]\n\"gamma\"=\"TCPIP0::c::inst0::INSTR\"\n\"delta\"=\"TCPIP0::d::inst0::INSTR\"\n"
+            "[Devices]\n\"gamma\"=\"lan0[c]:inst0\"\n\"delta\"=\"lan0[d]:inst0\"\n");
+    // host, alias before ("" none), alias typed: none to none, none to new, old to none, old renamed
+    const std::array<std::array<const char*, 3>, 4> edits = {
+        {{"a", "", ""}, {"b", "", "bench"}, {"c", "gamma", ""}, {"d", "delta", "meter"}}};
+    runList([&](tcpipshowdev& dialog) {
+        for (const auto& [host, oldAlias, newAlias] : edits) {
+            script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
                 EXPECT_EQ(ui::toStdString(child.windowTitle()), "Edit a TCPIP resource");
-                EXPECT_EQ(shownText(child, "hostEdit"), "h");
-                EXPECT_EQ(shownText(child, "deviceEdit"), "inst0");
-                EXPECT_EQ(shownText(child, "aliasEdit"), c.oldAlias);
-                if (std::string(c.name) == "old renamed") screenshot(child, "tcpipnewdev_edit");
-                typeInto(child, "aliasEdit", c.newAlias);
+                EXPECT_EQ(shownText(child, "hostEdit") + "|" + shownText(child, "deviceEdit") + "|" +
+                              shownText(child, "aliasEdit"),
+                          std::string(host) + "|inst0|" + oldAlias);
+                if (*newAlias == 'm') screenshot(child, "tcpipnewdev_edit");
+                typeInto(child, "aliasEdit", newAlias);
                 typeInto(child, "deviceEdit", "5025");
                 press(child, "&OK");
             });
-            selectOnly(dialog, {0});
+            const Entries entries = listEntries(dialog);
+            const std::string resource = std::string("TCPIP0::") + host + "::inst0::INSTR";
+            for (int row = 0; row < static_cast<int>(entries.size()); ++row)
+                if (entries[row].ends_with(resource)) selectOnly(dialog, {row});
             press(dialog, "&Edit device");
-            EXPECT_EQ(listEntries(dialog), Entries{std::string(c.newAlias) + "\tTCPIP0::h::5025::SOCKET"});
-            press(dialog, "&OK");
-        });
-        EXPECT_EQ(problems(run.script), "");
-        EXPECT_EQ(treeText("VISADevices"), c.visaDevices);
-        EXPECT_EQ(treeText("Devices"), c.devices);
-        EXPECT_EQ(treeText("INTF2\\VISADev"), "[]\n[TCPIP0::h::5025]\n[TCPIP0::h::5025\\TCPIP0::h::5025::SOCKET]\n"
-                                              "\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n");
-    }
+        }
+        EXPECT_EQ(listEntries(dialog), (Entries{"\tTCPIP0::a::5025::SOCKET", "\tTCPIP0::c::5025::SOCKET",
+                                                "bench\tTCPIP0::b::5025::SOCKET", "meter\tTCPIP0::d::5025::SOCKET"}));
+        press(dialog, "&OK");
+    });
+    EXPECT_EQ(treeText("VISADevices"),
+              "[]\n\"meter\"=\"TCPIP0::d::5025::SOCKET\"\n\"bench\"=\"TCPIP0::b::5025::SOCKET\"\n");
+    EXPECT_EQ(treeText("Devices"), "[]\n\"meter\"=\"lan0[d]:inst0\"\n");
+    EXPECT_EQ(treeText("INTF2\\VISADev\\TCPIP0::a::5025"),
+              "[]\n[TCPIP0::a::5025::SOCKET]\n\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n");
 }
 
-TEST_F(TcpipShowDev, RemoveFromTheBottomUpAndCancelWritesNothing) {
-    putTree(
-        "[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
-        "[INTF2\\VISADev\\TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n"
-        "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
-        "[INTF2\\VISADev\\TCPIP0::d::inst0\\TCPIP0::d::inst0::INSTR]\n"
-        "[VISADevices]\n\"alpha\"=\"TCPIP0::a::inst0::INSTR\"\n\"gamma\"=\"TCPIP0::c::inst0::INSTR\"\n");
+// Another process holds the store's write lock for longer than the bounded
+// wait: OK writes nothing, says so, and the user keeps the list.
+TEST_F(TcpipShowDev, RemoveFromTheBottomUpThenOkOnceTheStoreIsFree) {
+    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::c::inst0\\TCPIP0::c::inst0::INSTR]\n"
+            "[INTF2\\VISADev\\TCPIP0::d::inst0\\TCPIP0::d::inst0::INSTR]\n"
+            "[VISADevices]\n\"alpha\"=\"TCPIP0::a::inst0::INSTR\"\n\"gamma\"=\"TCPIP0::c::inst0::INSTR\"\n");
     const std::string before = treeText("");
-    for (const int result : {kIdCancel, kIdOk}) {
-        ListRun run;
-        openList(run, [&](tcpipshowdev& dialog) {
-            selectOnly(dialog, {0, 2, 3});
-            press(dialog, "&Remove device");
-            EXPECT_EQ(listEntries(dialog), Entries{"\tTCPIP0::b::inst0::INSTR"});
-            press(dialog, result == kIdOk ? "&OK" : "&Cancel");
-        });
-        EXPECT_EQ(run.result, result);
-        if (result == kIdCancel) {
-            EXPECT_EQ(treeText(""), before);
-        }
-    }
+    EXPECT_EQ(runList([&](tcpipshowdev& dialog) {
+        selectOnly(dialog, {0, 2, 3});
+        press(dialog, "&Remove device");
+        EXPECT_EQ(listEntries(dialog), Entries{"\tTCPIP0::b::inst0::INSTR"});
+        StoreWriteLock other(store_.path());
+        ASSERT_TRUE(other.held());
+        press(dialog, "&OK");
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(boxes_.texts(), Entries{platform::storeFailureMessage(platform::StoreFailure::Busy)});
+        other.release();
+        EXPECT_EQ(treeText(""), before);
+        press(dialog, "&OK");  // the lock is gone: the same list is written
+    }), kIdOk);
     EXPECT_EQ(treeText("INTF2\\VISADev"), "[]\n[TCPIP0::b::inst0]\n[TCPIP0::b::inst0\\TCPIP0::b::inst0::INSTR]\n"
                                           "\"Driver\"=\"lan\"\n\"Prefix\"=\"TCPIP\"\n");
     EXPECT_EQ(treeText("VISADevices"), "[]\n");
-}
-
-TEST_F(TcpipShowDev, BusyStoreKeepsTheDialogOpenAndWritesNothing) {
-    putTree("[INTF2\\VISADev\\TCPIP0::a::inst0\\TCPIP0::a::inst0::INSTR]\n");
-    const std::string before = treeText("");
-    std::optional<test::StoreWriteLock> other;  // taken once the list is open
-    ListRun run;
-    openList(run, [&](tcpipshowdev& dialog) {
-        addStep(run.script, "n", "", std::string("new"));
-        press(dialog, "&Add device");
-        other.emplace(store_.path());
-        ASSERT_TRUE(other->held());
-        press(dialog, "&OK");  // waits out the store's bounded wait, then gives up
-        EXPECT_TRUE(dialog.isVisible());
-        EXPECT_EQ(run.boxes.texts(), Entries{platform::storeFailureMessage(platform::StoreFailure::Busy)});
-        other.reset();
-        EXPECT_EQ(treeText(""), before);
-        press(dialog, "&OK");  // the lock is gone: the same list is written
-    });
-    EXPECT_EQ(run.result, kIdOk);
-    EXPECT_EQ(treeText("VISADevices"), "[]\n\"new\"=\"TCPIP0::n::inst0::INSTR\"\n");
-    EXPECT_EQ(problems(run.script), "");
 }
 
 TEST(TcpipTemplates, CaptionsTextsAndButtons) {
@@ -249,29 +245,100 @@ TEST(TcpipTemplates, CaptionsTextsAndButtons) {
     }
 }
 
-// Store text is cp1252: a typed "Bänch" is stored as the byte 0xE4, and a
-// host name with 0xE9 shows as "é".
-// Disabled until the Qt edge converts cp1252 (it still decodes UTF-8 here).
-TEST_F(TcpipShowDev, NonAsciiAliasesAndHostsShowAndStoreAsCp1252) {
-    putTree("[INTF2\\VISADev\\TCPIP0::caf\xe9::inst0\\TCPIP0::caf\xe9::inst0::INSTR]\n");
-    ListRun run;
-    openList(run, [&](tcpipshowdev& dialog) {
-        EXPECT_EQ(dialog.m_deviceList.data(dialog.m_deviceList.index(0), Qt::DisplayRole).toString(),
-                  QString::fromUtf8("\tTCPIP0::caf\u00e9::inst0::INSTR"));
-        run.script.expect<tcpipnewdev>([](tcpipnewdev& child) {
-            field(child, "aliasEdit")->clear();
-            typeLetters(field(child, "aliasEdit"), QString::fromUtf8("B\u00e4nch"));
-            typeLetters(field(child, "hostEdit"), QString::fromUtf8("h\u00f6st"));
-            press(child, "&OK");
+std::string hislipAt(std::uint16_t port) { return "hislip0," + std::to_string(port); }
+std::string resourceOf(const std::string& device) { return "TCPIP0::127.0.0.1::" + device + "::INSTR"; }
+
+// A HiSLIP server that answers only once released, so the test decides
+// when the probe may end.
+struct HeldHislip {
+    std::promise<void> gate;
+    FakeServer server{[answer = hislipServer({HislipScript::Reply::InitializeResponse},
+                                             std::make_shared<HislipRecord>()),
+                       opened = gate.get_future().share()](Peer& peer) {
+        opened.wait();
+        answer(peer);
+    }};
+    bool released = false;
+    void release() {
+        if (!std::exchange(released, true)) gate.set_value();
+    }
+    ~HeldHislip() { release(); }
+};
+
+// Calls `onPaint` at each paint event of the widget it watches.
+struct PaintWatch : QObject {
+    explicit PaintWatch(std::function<void()> onPaint) : onPaint(std::move(onPaint)) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) onPaint();
+        return false;
+    }
+    std::function<void()> onPaint;
+};
+
+TEST_F(TcpipShowDev, TestButtonsProbeWhileTheWindowPaintsAndAClosedWindowCancels) {
+    HeldHislip listed, typed;
+    SilentListener silent;
+    const std::string scope = resourceOf(hislipAt(listed.server.port()));
+    for (const std::string& resource : {scope, resourceOf(hislipAt(silent.port()))})
+        putTree("[INTF2\\VISADev\\" + resource.substr(0, resource.size() - 7) + "\\" + resource + "]\n");
+    putTree("[VISADevices]\n\"scope\"=\"" + scope + "\"\n");
+    std::string listDuringProbe, childDuringProbe;
+    int paintsDuringProbe = 0;
+    const tcpipshowdev* list = nullptr;
+    const int result = runList([&](tcpipshowdev& dialog) {
+        list = &dialog;
+        const int scopeRow = dialog.m_deviceList.text(0).starts_with("scope") ? 0 : 1;
+        dialog.m_deviceList.setSel(scopeRow, true);
+        PaintWatch watch([&] {
+            ++paintsDuringProbe;
+            listed.release();
+        });
+        QTimer::singleShot(0, &dialog, [&] {  // inside the probe's event loop
+            listDuringProbe = enabledButtons(dialog);
+            dialog.installEventFilter(&watch);
+            dialog.update();
+        });
+        press(dialog, "&Test device");
+        dialog.removeEventFilter(&watch);
+        EXPECT_EQ(enabledButtons(dialog), "OCAETR");
+        screenshot(dialog, "tcpipshowdev_after_test");
+
+        script_.expect<tcpipnewdev>([&](tcpipnewdev& child) {
+            typeInto(child, "aliasEdit", "first");
+            typeInto(child, "hostEdit", "127.0.0.1");
+            typeInto(child, "deviceEdit", hislipAt(typed.server.port()));
+            typeInto(child, "aliasEdit", "typed later");  // exchanged by no edit of host or device
+            QTimer::singleShot(0, &child, [&] {
+                for (const char* name : {"okButton", "cancelButton", "testButton", "deviceEdit"})
+                    childDuringProbe += child.findChild<QWidget*>(name)->isEnabled() ? "+" : "-";
+                screenshot(child, "tcpipnewdev_testing");
+                typed.release();
+            });
+            press(child, "&Test");
+            screenshot(child, "tcpipnewdev_add");
+            // Escape while a probe runs against a silent host closes the dialog as cancelled.
+            typeInto(child, "deviceEdit", hislipAt(silent.port()));
+            QTimer::singleShot(0, &child, [&] { QTest::keyClick(field(child, "hostEdit"), Qt::Key_Escape); });
+            press(child, "&Test");
+            EXPECT_FALSE(child.isVisible());
         });
         press(dialog, "&Add device");
-        press(dialog, "&OK");
+        EXPECT_EQ(dialog.m_deviceList.count(), 2);
+
+        // Closing the list while it tests: the probe ends at once, no box.
+        dialog.m_deviceList.setSel(-1, false);
+        dialog.m_deviceList.setSel(1 - scopeRow, true);
+        QTimer::singleShot(0, &dialog, [&] { dialog.close(); });
+        press(dialog, "&Test device");
     });
-    std::uint32_t type = 0;
-    std::string bytes;
-    ASSERT_TRUE(readValue(underProduct("VISADevices"), "B\xe4nch", type, bytes));
-    EXPECT_EQ(bytes, std::string("TCPIP0::h\xf6st::inst0::INSTR") + '\0');
-    EXPECT_EQ(problems(run.script), "");
+    EXPECT_EQ(result, ui::kIdCancel);
+    EXPECT_EQ(listDuringProbe + "|" + childDuringProbe, "------|----");
+    EXPECT_GE(paintsDuringProbe, 1);
+    ASSERT_EQ(boxes_.requests().size(), 2u);
+    EXPECT_EQ(boxes_.requests()[0].text, "The resource 'scope' was found.\n\n(" + scope + ")");
+    EXPECT_EQ(boxes_.requests()[1].text, "The resource 'first' was found.\n\n(" +
+                                             resourceOf(hislipAt(typed.server.port())) + ")");
+    for (const auto& box : boxes_.requests()) EXPECT_EQ(box.owner, list);
 }
 
 }  // namespace

@@ -5,25 +5,18 @@
 namespace braxcfg::tool {
 namespace {
 
-InterfaceRow row(const char* visaName, const char* type, std::vector<std::string> devices = {}) {
-    InterfaceRow r;
-    r.key = "INTF4";
-    r.visaName = visaName;
-    r.typeWord = type;
-    r.devices = std::move(devices);
-    return r;
+// Set up rows have "VISAAutoConfig" (0) too.
+InterfaceRow row(const char* visaName, const char* type, bool setUp = false, std::vector<std::string> devices = {}) {
+    return {"INTF4", visaName, type, setUp, setUp, 0, std::move(devices)};
 }
 
 TEST(ConfigWindowLogic, ActionsFollowTheSelectionTheTypeAndTheStore) {
-    const InterfaceRow gpib = row("GPIB0", "GPIB"), gpibVxi = row("GPIB-VXI0", "GPIB-VXI"), tcpip = row("TCPIP0", "TCPIP"),
-                       noName = row("", "GPIB"), lowerCase = row("GPIB1", "gpib");
-    InterfaceRow setUpGpib = gpib;
-    setUpGpib.setUp = true;
-    const struct {
-        const InterfaceRow* selected;
-        bool editable, writable;
-        bool setUp, edit, configure, add, remove, import;
-    } cases[] = {
+    const InterfaceRow gpib = row("GPIB0", "GPIB"), setUpGpib = row("GPIB0", "GPIB", true),
+                       gpibVxi = row("GPIB-VXI0", "GPIB-VXI"), tcpip = row("TCPIP0", "TCPIP"), noName = row("", "GPIB"),
+                       lowerCase = row("GPIB1", "gpib");
+    // The plug-in's answer and the store's writability in, the six actions out.
+    const struct { const InterfaceRow* selected; bool editable, writable, setUp, edit, configure, add, remove, import; }
+        cases[] = {
         {nullptr, false, true, false, false, false, true, false, true},
         {&gpib, true, true, true, true, true, true, true, true},
         {&setUpGpib, true, true, false, true, true, true, true, true},  // set up once only
@@ -42,13 +35,11 @@ TEST(ConfigWindowLogic, ActionsFollowTheSelectionTheTypeAndTheStore) {
 }
 
 TEST(ConfigWindowLogic, RowTextsAndTheQuestionBeforeARemoval) {
-    InterfaceRow setUp = row("GPIB0", "GPIB", {"GPIB0::5"});
-    setUp.setUp = true;
-    setUp.hasAutoConfig = true;
+    const InterfaceRow setUp = row("GPIB0", "GPIB", true, {"GPIB0::5"});
     EXPECT_EQ(interfaceCells(setUp), (std::vector<std::string>{"INTF4", "GPIB0", "GPIB", "yes", "no", "1"}));
     EXPECT_EQ(interfaceCells(row("", "X")), (std::vector<std::string>{"INTF4", "", "X", "no", "", "0"}));
     EXPECT_EQ(removeQuestion(setUp), "Remove the interface INTF4 (GPIB0) and its 1 device from the store?");
-    EXPECT_EQ(removeQuestion(row("GPIB0", "GPIB", {"a", "b"})),
+    EXPECT_EQ(removeQuestion(row("GPIB0", "GPIB", false, {"a", "b"})),
               "Remove the interface INTF4 (GPIB0) and its 2 devices from the store?");
     EXPECT_EQ(removeQuestion(row("", "GPIB")), "Remove the interface INTF4 from the store?");
     EXPECT_EQ(storeStatusLine("/tmp/s.db", false), "Store: /tmp/s.db (read-only: changes are refused)");

@@ -12,8 +12,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <mutex>
 #include <thread>
@@ -28,8 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 int runSeconds() {
     const char* text = std::getenv("BRAXCFG_LOAD_SECONDS");
-    const int seconds = text != nullptr ? std::atoi(text) : 0;
-    return seconds > 0 ? seconds : 30;
+    return text != nullptr && std::atoi(text) > 0 ? std::atoi(text) : 30;
 }
 
 // The host: loads the plug-in once and asks it about INTF0 until the end;
@@ -61,41 +58,30 @@ std::string bulkFile(const std::string& name) {
 using StoreUnderLoad = braxcfg::test::ToolFolder;
 
 TEST_F(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
-    const std::string dir = dir_, store = this->store();
-    write("base.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tolvane\\Linkbase\\CurrentVersion"
-                      "\\INTF0]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n");
-    ASSERT_EQ(tool({"import", dir + "/base.reg"}).exitCode, 0);
-    ASSERT_EQ(tool({"setup", "INTF0"}).exitCode, 0);
+    ASSERT_EQ(tool({"interfaces", "add", "GPIB"}).exitCode, 0);  // INTF0, set up
 
     const auto end = Clock::now() + std::chrono::seconds(runSeconds());
-    const pid_t host = startHost(store, end);
+    const pid_t host = startHost(store(), end);
     ASSERT_GT(host, 0);
     std::atomic<int> refusals{0}, reads{0};
-    std::vector<std::string> refusalTexts;
+    std::string firstRefusal;
     std::mutex refusalMutex;
     const auto refused = [&](const std::string& what, const ToolRun& run) {
-        ++refusals;
         std::lock_guard lock(refusalMutex);
-        if (refusalTexts.size() < 5) refusalTexts.push_back(what + ": " + (run.out + run.err));
+        if (refusals++ == 0) firstRefusal = what + ": " + run.out + run.err;
     };
     std::vector<std::vector<std::string>> added(2);
     std::atomic<int> imported{0};
     std::vector<std::thread> threads;
     for (int writer = 0; writer < 2; ++writer)
         threads.emplace_back([&, writer] {
-            const std::string bulk = dir + "/bulk" + std::to_string(writer) + ".reg";
+            const std::string bulk = "bulk" + std::to_string(writer) + ".reg";
             for (int n = 0; Clock::now() < end; ++n) {
                 const std::string device = "GPIB0::" + std::to_string(writer * 100000 + n);
                 const ToolRun run = tool({"devices", "INTF0", "add", device});
-                if (run.exitCode == 0)
-                    added[writer].push_back(device);
-                else
-                    refused("add " + device, run);
-                std::ofstream(bulk) << bulkFile("Bulk" + device.substr(7));
-                if (const ToolRun load = tool({"import", bulk}); load.exitCode == 0)
-                    ++imported;
-                else
-                    refused("import", load);
+                run.exitCode == 0 ? added[writer].push_back(device) : refused("add " + device, run);
+                const ToolRun load = tool({"import", write(bulk, bulkFile("Bulk" + device.substr(7)))});
+                load.exitCode == 0 ? void(++imported) : refused("import", load);
             }
         });
     threads.emplace_back([&] {
@@ -116,13 +102,11 @@ TEST_F(StoreUnderLoad, NoRefusalNoLossWithAHostAndTwoWriters) {
     for (const auto& devices : added)
         for (const std::string& device : devices) missing += listed.find("\n" + device + "\n") == std::string::npos;
     braxcfg::platform::SqliteConnection db;
-    ASSERT_EQ(db.open(store, SQLITE_OPEN_READONLY), SQLITE_OK);
+    ASSERT_EQ(db.open(store(), SQLITE_OPEN_READONLY), SQLITE_OK);
     const auto bulkKeys = db.queryInt("SELECT count(*) FROM keys WHERE CAST(name AS TEXT) LIKE 'Bulk%'", -1);
-    std::cout << "load run: " << runSeconds() << " s, adds that exited 0: " << added[0].size() + added[1].size()
-              << ", imports that exited 0: " << imported << " (bulk keys found: " << bulkKeys << ")"
-              << ", reads: " << reads << ", refusals: " << refusals << ", missing: " << missing
-              << ", host answers not 1: " << (WIFEXITED(status) ? WEXITSTATUS(status) : -1) << "\n";
-    EXPECT_EQ(refusals, 0) << (refusalTexts.empty() ? "" : refusalTexts.front());
+    std::cout << "load run: " << runSeconds() << " s, adds: " << added[0].size() + added[1].size() << ", imports: "
+              << imported << ", reads: " << reads << ", refusals: " << refusals << ", missing: " << missing << "\n";
+    EXPECT_EQ(refusals, 0) << firstRefusal;
     EXPECT_EQ(missing, 0u);
     EXPECT_EQ(bulkKeys, imported);
     EXPECT_GT(added[0].size() + added[1].size(), 0u);

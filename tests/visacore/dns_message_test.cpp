@@ -12,15 +12,12 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes bytes(std::initializer_list<int> list) {
-    Bytes out;
-    for (int b : list) out.push_back(static_cast<std::uint8_t>(b));
-    return out;
-}
+// What the wire carries of a record, for comparing.
+auto fields(const dns::Record& r) { return std::tie(r.name, r.type, r.target, r.port, r.address, r.texts); }
 
 TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
     EXPECT_EQ(dns::encodeQuery(0x1234, {{"_lxi._tcp.local", dns::kPtr}}, true),
-              bytes({0x12, 0x34, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0,                                  //
+              (Bytes{0x12, 0x34, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0,                                  //
                      4, '_', 'l', 'x', 'i', 4, '_', 't', 'c', 'p', 5, 'l', 'o', 'c', 'a', 'l', 0,  //
                      0, 12, 0x80, 1}));
 }
@@ -37,61 +34,45 @@ TEST(DnsMessage, ResponseRoundTripsEveryRecordType) {
     ASSERT_TRUE(dns::parseMessage(dns::encodeResponse(7, {{"_hislip._tcp.local", dns::kPtr}}, answers), parsed));
     EXPECT_TRUE(parsed.response);
     EXPECT_EQ(parsed.id, 7);
-    ASSERT_EQ(parsed.questions.size(), 1u);
+    EXPECT_EQ(parsed.questions.size(), 1u);
     ASSERT_EQ(parsed.records.size(), answers.size());
-    for (std::size_t i = 0; i < answers.size(); ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_EQ(parsed.records[i].name, answers[i].name);
-        EXPECT_EQ(parsed.records[i].type, answers[i].type);
-        EXPECT_EQ(parsed.records[i].target, answers[i].target);
-        EXPECT_EQ(parsed.records[i].port, answers[i].port);
-        EXPECT_EQ(parsed.records[i].address, answers[i].address);
-        EXPECT_EQ(parsed.records[i].texts, answers[i].texts);
-    }
+    for (std::size_t i = 0; i < answers.size(); ++i) EXPECT_EQ(fields(parsed.records[i]), fields(answers[i])) << i;
 }
 
-// A response as responders write it: names compressed against earlier ones.
-Bytes compressedResponse() {
-    return bytes({0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
-                  // @12: _vxi-11._tcp.local PTR -> "Box" + @12
-                  7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p', 5, 'l', 'o', 'c', 'a', 'l', 0,  //
-                  0, 12, 0, 1, 0, 0, 0, 120, 0, 6, 3, 'B', 'o', 'x', 0xC0, 12,
-                  // "Box" + @12 again through a pointer to the PTR data (@42): SRV -> port 1024, host @42
-                  0xC0, 42, 0, 33, 0, 1, 0, 0, 0, 120, 0, 8, 0, 0, 0, 0, 4, 0, 0xC0, 42});
-}
-
-TEST(DnsMessage, FollowsCompressionPointers) {
+// A response as responders write it, names compressed against earlier
+// ones; then the same with one byte changed or the end cut off.
+TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
+    const Bytes good{0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
+                     // @12: _vxi-11._tcp.local PTR -> "Box" + @12
+                     7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
+                     5, 'l', 'o', 'c', 'a', 'l', 0,                                //
+                     0, 12, 0, 1, 0, 0, 0, 120, 0, 6, 3, 'B', 'o', 'x', 0xC0, 12,
+                     // "Box" + @12 again through a pointer to the PTR data (@42): SRV -> port 1024, host @42
+                     0xC0, 42, 0, 33, 0, 1, 0, 0, 0, 120, 0, 8, 0, 0, 0, 0, 4, 0, 0xC0, 42};
     dns::Message parsed;
-    ASSERT_TRUE(dns::parseMessage(compressedResponse(), parsed));
+    ASSERT_TRUE(dns::parseMessage(good, parsed));
     ASSERT_EQ(parsed.records.size(), 2u);
     EXPECT_EQ(parsed.records[0].target, "Box._vxi-11._tcp.local");
     EXPECT_EQ(parsed.records[1].name, "Box._vxi-11._tcp.local");
     EXPECT_EQ(parsed.records[1].port, 1024);
-}
 
-TEST(DnsMessage, RefusesMalformedPackets) {
-    const Bytes good = compressedResponse();
     const auto changed = [&](std::size_t at, int value) {
         Bytes copy = good;
         copy[at] = static_cast<std::uint8_t>(value);
         return copy;
     };
     const struct { const char* what; Bytes packet; } cases[] = {
-        {"short header", bytes({0, 0, 0x84})},
+        {"short header", Bytes{0, 0, 0x84}},
         {"truncated record", Bytes(good.begin(), good.end() - 3)},
         {"pointer to itself", changed(49, 48)},
         {"pointer past the end", changed(49, 0xF0)},
         {"label longer than 63", changed(12, 64)},
         {"record length beyond the packet", changed(41, 0x60)},
         {"more records than present", changed(7, 3)},
-        {"A record of 5 bytes", bytes({0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
-                                       5, 1, 2, 3, 4, 5})},
+        {"A record of 5 bytes", Bytes{0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
+                                       5, 1, 2, 3, 4, 5}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        dns::Message parsed;
-        EXPECT_FALSE(dns::parseMessage(c.packet, parsed));
-    }
+    for (const auto& c : cases) EXPECT_FALSE(dns::parseMessage(c.packet, parsed)) << c.what;
 }
 
 TEST(MdnsServices, ResponsesBecomeResourceStrings) {
@@ -130,50 +111,48 @@ TEST(MdnsServices, ResponsesBecomeResourceStrings) {
 namespace braxcfg::visa::lan::sim {
 namespace {
 
+// Each answer packet read back as "instance: resources", its findings
+// joined by "; ".
 TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
     LabInstrument scope, meter;
     scope.mdnsName = "Scope";
     meter.mdnsName = "Meter";
     Site first{"10.0.0.2", false, 111, 1024, {{"inst0", &scope}}, {{4881, {{"hislip0", &scope}}}}, {}, {&scope}};
     Site second{"10.0.0.3", false, 111, 0, {}, {}, {{5025, &meter}}, {&meter}};
-    const auto answers = [&](std::string_view type, bool response = false, std::vector<Site> sites = {}) {
-        dns::Message query;
-        query.id = 9;
-        query.response = response;
-        query.questions.push_back({std::string(type), dns::kPtr});
-        std::vector<dns::Message> parsed;
-        for (const auto& packet : mdnsResponses(query, sites.empty() ? std::vector{first, second} : sites)) {
-            parsed.emplace_back();
-            EXPECT_TRUE(dns::parseMessage(packet, parsed.back()));
-        }
-        return parsed;
-    };
-    const auto hislip = answers("_HISLIP._tcp.local");
-    ASSERT_EQ(hislip.size(), 1u);
-    EXPECT_EQ(hislip[0].id, 9) << "a one-shot querier matches answers by ID";
-    ASSERT_EQ(hislip[0].questions.size(), 1u) << "and expects its question back";
-    const auto findings = readServiceResponse(hislip[0], "192.0.2.1");
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].address, "10.0.0.2") << "from the A record, not the sender";
-    EXPECT_EQ(findings[0].instanceName, "Scope");
-    EXPECT_EQ(findings[0].resources, std::vector<std::string>{"TCPIP0::10.0.0.2::hislip0,4881::INSTR"});
-
-    EXPECT_EQ(answers("_vxi-11._tcp.local").size(), 1u);
-    const auto raw = answers("_scpi-raw._tcp.local");
-    ASSERT_EQ(raw.size(), 1u);
-    EXPECT_EQ(readServiceResponse(raw[0], "").at(0).resources,
-              std::vector<std::string>{"TCPIP0::10.0.0.3::5025::SOCKET"});
-    EXPECT_TRUE(answers("_http._tcp.local").empty());
-    EXPECT_TRUE(answers("_lxi._tcp.local").empty()) << "the simulator has no web service";
-    EXPECT_TRUE(answers("_vxi-11._tcp.local", true).empty()) << "answers are not questions";
-
-    // One instrument served at two addresses: two instances, told apart.
     Site again = first;
     again.address = "10.0.0.4";
-    const auto twice = answers("_vxi-11._tcp.local", false, {first, again});
-    ASSERT_EQ(twice.size(), 2u);
-    EXPECT_EQ(readServiceResponse(twice[0], "").at(0).instanceName, "Scope @10.0.0.2");
-    EXPECT_EQ(readServiceResponse(twice[1], "").at(0).instanceName, "Scope @10.0.0.4");
+    const struct { const char* type; std::vector<Site> sites; std::vector<std::string> answers;
+                   bool asked = true; } cases[] = {
+        {"_HISLIP._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::hislip0,4881::INSTR"}},
+        {"_vxi-11._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::inst0::INSTR"}},
+        {"_scpi-raw._tcp.local", {first, second}, {"Meter: TCPIP0::10.0.0.3::5025::SOCKET"}},
+        {"_http._tcp.local", {first, second}, {}},
+        {"_lxi._tcp.local", {first, second}, {}},  // the simulator has no web service
+        {"_vxi-11._tcp.local", {first, second}, {}, false},  // a response is not asking
+        // One instrument served at two addresses: two instances, told apart.
+        {"_vxi-11._tcp.local", {first, again},
+         {"Scope @10.0.0.2: TCPIP0::10.0.0.2::inst0::INSTR", "Scope @10.0.0.4: TCPIP0::10.0.0.4::inst0::INSTR"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.type);
+        dns::Message query;
+        query.id = 9;
+        query.response = !c.asked;
+        query.questions.push_back({c.type, dns::kPtr});
+        std::vector<std::string> answers;
+        for (const auto& packet : mdnsResponses(query, c.sites)) {
+            dns::Message parsed;
+            // A one-shot querier matches answers by ID and expects its question back.
+            EXPECT_TRUE(dns::parseMessage(packet, parsed) && parsed.id == 9 && parsed.questions.size() == 1);
+            std::string text;
+            for (const ServiceFinding& finding : readServiceResponse(parsed, "192.0.2.1")) {
+                text += (text.empty() ? "" : "; ") + finding.instanceName + ":";
+                for (const std::string& resource : finding.resources) text += " " + resource;
+            }
+            answers.push_back(text);
+        }
+        EXPECT_EQ(answers, c.answers);
+    }
 }
 
 }  // namespace

@@ -7,6 +7,16 @@
 namespace braxcfg::visa::lan::sim {
 namespace {
 
+// An instrument on one line: where it is served, how, and as what.
+std::string line(const LabInstrument& in) {
+    std::string text = in.address + ":" + std::to_string(in.line) + (in.vxi11 ? " vxi11" : "") +
+                       (in.hislip ? " hislip" : "") + (in.socket ? " socket" : "") + " devices";
+    for (const std::string& name : in.deviceNames) text += " " + name;
+    return text + ", " + in.hislipSubAddress + " port " + std::to_string(in.hislipPort) + ", socket " +
+           std::to_string(in.socketPort) + ", core " + std::to_string(in.corePort) + ", portmapper " +
+           std::to_string(in.portmapperPort) + ", mdns '" + in.mdnsName + "', " + in.identification;
+}
+
 TEST(LabFile, KeysAndDefaultsFromTheResourceString) {
     const Lab lab = parseLab("; a lab\n# by hand\n"
                              "[GPIB0::22::INSTR]\n"
@@ -28,34 +38,20 @@ TEST(LabFile, KeysAndDefaultsFromTheResourceString) {
                              "PortmapperPort = 11111\n",
                              "lab.ini");
     ASSERT_EQ(lab.error, "");
-    ASSERT_EQ(lab.instruments.size(), 3u) << "the GPIB section is the auto-configuration's";
-    const LabInstrument& vxi = lab.instruments[0];
-    EXPECT_EQ(vxi.address, "127.0.0.1");
-    EXPECT_EQ(vxi.line, 5);
-    EXPECT_TRUE(vxi.vxi11 && !vxi.hislip && !vxi.socket);
-    EXPECT_EQ(vxi.deviceNames, (std::vector<std::string>{"inst0", "gpib0,5"}));
-    EXPECT_EQ(vxi.mdnsName, "Scope 4") << "the model field";
-
-    const LabInstrument& hislip = lab.instruments[1];
-    EXPECT_EQ(hislip.identification, "Tolvane,Analyzer 2,2,1");
-    EXPECT_TRUE(!hislip.vxi11 && hislip.hislip && hislip.socket);
-    EXPECT_EQ(hislip.hislipSubAddress, "hislip1");
-    EXPECT_EQ(hislip.hislipPort, 4881);
-    EXPECT_EQ(hislip.socketPort, 5026);
-    EXPECT_EQ(hislip.mdnsName, "Bench");
+    std::vector<std::string> lines;
+    for (const LabInstrument& instrument : lab.instruments) lines.push_back(line(instrument));
+    // The GPIB section is the auto-configuration's; the model field names the mDNS instance.
+    EXPECT_EQ(lines, (std::vector<std::string>{
+        "127.0.0.1:5 vxi11 devices inst0 gpib0,5, hislip0 port 4880, socket 5025, core 0, portmapper 0, "
+        "mdns 'Scope 4', Tolvane,Scope 4,4004,5.5",
+        "10.0.0.2:7 hislip socket devices inst0, hislip1 port 4881, socket 5026, core 0, portmapper 0, "
+        "mdns 'Bench', Tolvane,Analyzer 2,2,1",
+        "::1:14 vxi11 socket devices inst0 inst1, hislip0 port 4880, socket 5025, core 0, "
+        "portmapper 11111, mdns 'Meter', Tolvane,Meter,3,1"}));
     std::string answer;
-    EXPECT_TRUE(answerQuery(hislip, " meas:volt?", answer));
-    EXPECT_EQ(answer, "1.25");
-    EXPECT_TRUE(answerQuery(hislip, "*idn?", answer));
-    EXPECT_EQ(answer, "Tolvane,Analyzer 2,2,1");
-    EXPECT_FALSE(answerQuery(hislip, "*OPC?", answer));
-
-    const LabInstrument& socket = lab.instruments[2];
-    EXPECT_EQ(socket.address, "::1");
-    EXPECT_TRUE(socket.vxi11 && socket.socket);
-    EXPECT_EQ(socket.socketPort, 5025);
-    EXPECT_EQ(socket.deviceNames, (std::vector<std::string>{"inst0", "inst1"}));
-    EXPECT_EQ(socket.portmapperPort, 11111);
+    for (const auto& [query, expected] : {std::pair{" meas:volt?", "1.25"}, {"*idn?", "Tolvane,Analyzer 2,2,1"}})
+        EXPECT_TRUE(answerQuery(lab.instruments.at(1), query, answer) && answer == expected) << query;
+    EXPECT_FALSE(answerQuery(lab.instruments.at(1), "*OPC?", answer));
 }
 
 TEST(LabFile, RefusalsNameFileAndLine) {
@@ -76,18 +72,15 @@ TEST(LabFile, RefusalsNameFileAndLine) {
         {good + "Protocols =\n", "lab.ini:1: [TCPIP0::127.0.0.1::INSTR] serves no protocol"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
         const Lab lab = parseLab(c.text, "lab.ini");
         EXPECT_EQ(lab.error, c.error);
-        EXPECT_TRUE(lab.instruments.empty()) << "a refused file serves nothing";
+        EXPECT_TRUE(lab.instruments.empty()) << "a refused file serves nothing: " << c.text;
     }
 }
 
 TEST(LabFile, MissingFileIsAnError) {
     EXPECT_EQ(readLab("/nonexistent/lab.ini").error, "/nonexistent/lab.ini: cannot read the file");
-    const Lab example = readLab(BRAXCFG_SOURCE_DIR "/examples/lan-lab.ini");
-    EXPECT_EQ(example.error, "");
-    EXPECT_EQ(example.instruments.size(), 3u);
+    EXPECT_EQ(readLab(BRAXCFG_SOURCE_DIR "/examples/lan-lab.ini").instruments.size(), 3u) << "the example serves";
 }
 
 }  // namespace

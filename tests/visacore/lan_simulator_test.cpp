@@ -14,43 +14,37 @@ using namespace std::chrono_literals;
 
 TEST(SimulatedLab, IdentifiesOverEachProtocolUntilStopped) {
     const std::uint16_t hislipPort = test::closedPort(), socketPort = test::closedPort();
-    Lab lab = parseLab("[TCPIP0::127.0.0.1::inst0::INSTR]\n"
-                       "Identification = Tolvane,Scope 4,4004,5.5\n"
-                       "Protocols = VXI-11 HiSLIP\n"
-                       "DeviceNames = inst0 gpib0,7\n"
-                       "HislipPort = " + std::to_string(hislipPort) + "\n"
-                       "Reply.*OPC? = 1\n"
-                       "Reply.*RST =\n"
-                       "[TCPIP0::127.0.0.1::" + std::to_string(socketPort) + "::SOCKET]\n"
-                       "Identification = Tolvane,Source 9,909,2.0\n"
-                       "Reply.MEAS:VOLT? = 1.25\n",
-                       "test.ini");
-    ASSERT_EQ(lab.error, "");
+    const Lab lab = parseLab("[TCPIP0::127.0.0.1::inst0::INSTR]\n"
+                             "Identification = Tolvane,Scope 4,4004,5.5\n"
+                             "Protocols = VXI-11 HiSLIP\n"
+                             "DeviceNames = inst0 gpib0,7\n"
+                             "HislipPort = " + std::to_string(hislipPort) + "\n"
+                             "Reply.*OPC? = 1\n"
+                             "[TCPIP0::127.0.0.1::" + std::to_string(socketPort) + "::SOCKET]\n"
+                             "Identification = Tolvane,Source 9,909,2.0\n"
+                             "Reply.MEAS:VOLT? = 1.25\n",
+                             "test.ini");
     Simulator simulator;
     std::string error;
     SimulatorOptions simulatorOptions;
     simulatorOptions.portmapperPort = 0;
-    ASSERT_TRUE(simulator.start(std::move(lab), simulatorOptions, error)) << error;
-    ASSERT_EQ(simulator.sites().size(), 1u);
+    ASSERT_TRUE(simulator.start(lab, simulatorOptions, error)) << error;
 
     const auto at = [](const std::string& rest) { return "TCPIP0::127.0.0.1::" + rest; };
     const std::string hislip = "hislip0," + std::to_string(hislipPort) + "::INSTR";
     const std::string socket = std::to_string(socketPort) + "::SOCKET";
-    const std::string closed = std::to_string(test::closedPort());
+    // Defaults, case and canned replies are the parsers' to decide; here:
+    // each protocol's query, and each way an instrument is not there.
     const struct { std::string resource, command; ViStatus status; std::string answer; } cases[] = {
         {at("inst0::INSTR"), "*IDN?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
-        {"TCPIP::127.0.0.1", "*idn?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
         {at("GPIB0,7::INSTR"), "*OPC?", VI_SUCCESS, "1"},
         {at("inst3::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
         // A query the instrument has no answer for: it never answers.
         {at("inst0::INSTR"), "SYST:ERR?", VI_ERROR_TMO, ""},
         {at(hislip), "*IDN?", VI_SUCCESS, "Tolvane,Scope 4,4004,5.5"},
-        {at(hislip), "*OPC?", VI_SUCCESS, "1"},
         {at("hislip4," + std::to_string(hislipPort) + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
-        {at("hislip0," + closed + "::INSTR"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
         {at(socket), "*IDN?", VI_SUCCESS, "Tolvane,Source 9,909,2.0"},
-        {at(socket), "MEAS:VOLT?\n", VI_SUCCESS, "1.25"},
-        {at(closed + "::SOCKET"), "*IDN?", VI_ERROR_RSRC_NFOUND, ""},
+        {at(socket), "MEAS:VOLT?\n", VI_SUCCESS, "1.25"},  // a command that ends its line already
     };
     LanProbeOptions options;
     options.budget = 2000ms;

@@ -6,8 +6,7 @@
  * Listens on 127.0.0.1 at a port of the kernel's choice, registers the
  * device core program with the portmapper, prints the port on stdout and
  * then one line per call ("create_link NAME", "destroy_link LID").
- * Devices: inst0 and gpib0,2 exist; locked0 is locked by another client;
- * every other name is not accessible (error 3). Ends itself after a minute
+ * Devices: inst0 exists; every other name is not accessible (error 3). Ends itself after a minute
  * so a test that dies cannot leave it behind. */
 #include <netinet/in.h>
 #include <rpc/pmap_clnt.h>
@@ -21,7 +20,7 @@
 
 void device_core_1(struct svc_req *request, SVCXPRT *transport);
 
-enum { kNoError = 0, kDeviceNotAccessible = 3, kDeviceLocked = 11 };
+enum { kNoError = 0, kDeviceNotAccessible = 3 };
 
 static long next_link = 1;
 
@@ -31,14 +30,10 @@ Create_LinkResp *create_link_1_svc(Create_LinkParms *parms, struct svc_req *requ
     memset(&response, 0, sizeof response);
     printf("create_link %s\n", parms->device);
     fflush(stdout);
-    if (strcmp(parms->device, "inst0") == 0 || strcmp(parms->device, "gpib0,2") == 0) {
-        response.error = kNoError;
+    response.error = strcmp(parms->device, "inst0") == 0 ? kNoError : kDeviceNotAccessible;
+    if (response.error == kNoError) {
         response.lid = next_link++;
         response.maxRecvSize = 1024;
-    } else if (strcmp(parms->device, "locked0") == 0) {
-        response.error = kDeviceLocked;
-    } else {
-        response.error = kDeviceNotAccessible;
     }
     return &response;
 }

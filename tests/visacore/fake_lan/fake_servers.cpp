@@ -9,13 +9,16 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "visacore/lan/hislip_message.h"
+#include "visacore/lan/onc_rpc.h"
 #include "visacore/lan/sim/sim_site.h"
 
 namespace braxcfg::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-constexpr std::uint32_t kLastFragment = 0x80000000u;
+namespace rpc = visa::lan::rpc;
+namespace hislip = visa::lan::hislip;
 
 sockaddr_in loopback(std::uint16_t port) {
     sockaddr_in address{};
@@ -36,35 +39,13 @@ int listenOnLoopback(std::uint16_t& port, int backlog) {
     return fd;
 }
 
-void put(Bytes& out, std::uint32_t word) {
-    for (int shift = 24; shift >= 0; shift -= 8) out.push_back(static_cast<std::uint8_t>(word >> shift));
-}
-
-std::uint32_t wordAt(const Bytes& bytes, std::size_t index) {
-    if (bytes.size() < index * 4 + 4) return 0xFFFFFFFFu;
-    const std::uint8_t* p = bytes.data() + index * 4;
-    return std::uint32_t{p[0]} << 24 | std::uint32_t{p[1]} << 16 | std::uint32_t{p[2]} << 8 | p[3];
-}
-
-// The words as one RPC record; with `split`, its first `split` words go in a
-// fragment of their own.
-Bytes rpcRecord(const std::vector<std::uint32_t>& body, std::size_t split = 0) {
-    Bytes out;
-    for (std::size_t i = 0; i < body.size(); ++i) {
-        if (i == 0 && split > 0) put(out, static_cast<std::uint32_t>(split * 4));
-        if (i == split) put(out, kLastFragment | static_cast<std::uint32_t>((body.size() - split) * 4));
-        put(out, body[i]);
-    }
-    return out;
+Bytes words(std::initializer_list<std::uint32_t> list) {
+    rpc::XdrWriter out;
+    for (std::uint32_t word : list) out.u32(word);
+    return out.bytes();
 }
 
 Bytes text(std::string_view s) { return {s.begin(), s.end()}; }
-
-Bytes hislipHeader(std::uint8_t type, std::uint8_t control, std::uint32_t parameter) {
-    Bytes out{'H', 'S', type, control};
-    for (std::uint32_t word : {parameter, 0u, 0u}) put(out, word);
-    return out;
-}
 
 }  // namespace
 
@@ -72,8 +53,11 @@ Bytes hislipHeader(std::uint8_t type, std::uint8_t control, std::uint32_t parame
 // drive wrongly on purpose. Reads fail at the end of the stream or when the
 // server stops.
 struct Peer : visa::lan::sim::Stream {
-    // One RPC record, fragments joined; small ones only.
-    bool readSmallRecord(Bytes& record) const { return readRecord(record) && record.size() <= 4096; }
+    // The next RPC call; false at the end of the stream or for a record
+    // that is large or no call.
+    bool readCall(Bytes& record, rpc::Call& call) const {
+        return readRecord(record) && record.size() <= 4096 && rpc::parseCall(record, call);
+    }
     void send(const Bytes& bytes) const { write(bytes); }
     // Stays silent until the client leaves or the server stops.
     std::size_t drain() const {
@@ -143,14 +127,15 @@ std::uint16_t closedPort() {
 
 FakeServer::Handler portmapper(PortmapScript script) {
     return [script](Peer& peer) {
-        Bytes call;
-        if (!peer.readSmallRecord(call)) return;
-        const std::uint32_t xid = wordAt(call, 0);
+        Bytes record;
+        rpc::Call call;
+        if (!peer.readCall(record, call)) return;
         switch (script.reply) {
-        case PortmapScript::Reply::Port: return peer.send(rpcRecord({xid, 1, 0, 0, 0, 0, script.port}));
-        case PortmapScript::Reply::ProgramUnavailable: return peer.send(rpcRecord({xid, 1, 0, 0, 0, 1}));
-        case PortmapScript::Reply::Denied: return peer.send(rpcRecord({xid, 1, 1, 0, 2, 2}));
-        case PortmapScript::Reply::WrongXid: return peer.send(rpcRecord({xid + 1, 1, 0, 0, 0, 0, script.port}));
+        case PortmapScript::Reply::Port: return peer.send(rpc::acceptedReply(call.xid, 0, words({script.port})));
+        case PortmapScript::Reply::ProgramUnavailable:
+            return peer.send(rpc::acceptedReply(call.xid, rpc::kProgramUnavailable));
+        // Record mark, xid, REPLY, MSG_DENIED, RPC_MISMATCH, versions 2 to 2.
+        case PortmapScript::Reply::Denied: return peer.send(words({rpc::kLastFragment | 24, call.xid, 1, 1, 0, 2, 2}));
         case PortmapScript::Reply::Garbage: return peer.send(text("HTTP/1.0 400 Bad Request\r\n\r\n"));
         case PortmapScript::Reply::Close: return;
         case PortmapScript::Reply::Silent: peer.drain();
@@ -160,29 +145,25 @@ FakeServer::Handler portmapper(PortmapScript script) {
 
 FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> record) {
     return [script, record](Peer& peer) {
-        for (Bytes call; peer.readSmallRecord(call);) {
-            if (script.silent) {
-                peer.drain();
-                return;
-            }
-            // Accepted, SUCCESS; the verifier either empty or eight bytes.
-            std::vector<std::uint32_t> reply{wordAt(call, 0), 1, 0, 0, 0, 0};
-            if (script.fragmentedReply) reply = {wordAt(call, 0), 1, 0, 1, 8, 0xAAAAAAAA, 0xBBBBBBBB, 0};
-            if (const std::uint32_t procedure = wordAt(call, 5); procedure == 10) {  // create_link
-                const std::size_t length = std::min<std::size_t>(wordAt(call, 13), call.size() - 56);
-                const std::string device(call.begin() + 56, call.begin() + 56 + static_cast<std::ptrdiff_t>(length));
+        Bytes bytes;
+        for (rpc::Call call; peer.readCall(bytes, call);) {
+            if (call.procedure == rpc::kCreateLink) {  // client id, lock, lock timeout, device name
+                rpc::XdrReader arguments(call.arguments);
+                std::uint32_t skipped = 0;
+                std::span<const std::uint8_t> name;
+                for (int i = 0; i < 3; ++i) arguments.u32(skipped);
+                arguments.opaque(256, name);
+                const std::string device(name.begin(), name.end());
                 const auto listed = script.errors.find(device);
                 const std::int32_t error = listed != script.errors.end() ? listed->second : script.unknownError;
                 record->devices.push_back(device);
-                record->lockRequested = record->lockRequested || wordAt(call, 11) != 0;
-                reply.insert(reply.end(), {static_cast<std::uint32_t>(error), 7, 0, 1024});
-            } else if (procedure == 23) {  // destroy_link
+                peer.send(rpc::acceptedReply(call.xid, 0, words({static_cast<std::uint32_t>(error), 7, 0, 1024})));
+            } else if (call.procedure == rpc::kDestroyLink) {
                 ++record->destroyed;
-                reply.push_back(0);
+                peer.send(rpc::acceptedReply(call.xid, 0, words({0})));
             } else {
-                reply.back() = 3;  // PROC_UNAVAIL
+                peer.send(rpc::acceptedReply(call.xid, rpc::kProcedureUnavailable));
             }
-            peer.send(rpcRecord(reply, script.fragmentedReply ? 3 : 0));
         }
     };
 }
@@ -190,16 +171,19 @@ FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> rec
 FakeServer::Handler hislipServer(HislipScript script, std::shared_ptr<HislipRecord> record) {
     return [script, record](Peer& peer) {
         Bytes header, payload;
-        if (!peer.read(16, header) || wordAt(header, 2) != 0 || wordAt(header, 3) > 4096 ||
-            !peer.read(wordAt(header, 3), payload))
+        hislip::Header initialize;
+        if (!peer.read(hislip::kHeaderSize, header) || !hislip::parseHeader(header, initialize) ||
+            initialize.payloadLength > 4096 || !peer.read(initialize.payloadLength, payload))
             return;
         record->subAddresses.emplace_back(payload.begin(), payload.end());
         switch (script.reply) {
-        case HislipScript::Reply::InitializeResponse: return peer.send(hislipHeader(1, 0, 0x01000001));
-        case HislipScript::Reply::FatalError: return peer.send(hislipHeader(2, script.fatalCode, 0));
+        case HislipScript::Reply::InitializeResponse:
+            return peer.send(hislip::message(hislip::kInitializeResponse, 0, 0x01000001));
+        case HislipScript::Reply::FatalError:
+            return peer.send(hislip::message(hislip::kFatalError, script.fatalCode, 0));
         case HislipScript::Reply::Close: return;
         case HislipScript::Reply::Garbage: return peer.send(text("220 service ready\r\n"));
-        case HislipScript::Reply::OtherMessage: return peer.send(hislipHeader(7, 0, 0));
+        case HislipScript::Reply::OtherMessage: return peer.send(hislip::message(hislip::kDataEnd, 0, 0));
         case HislipScript::Reply::Silent: peer.drain();
         }
     };

@@ -58,7 +58,7 @@ std::uint16_t closedPort();
 
 // A portmapper's answer to GETPORT.
 struct PortmapScript {
-    enum class Reply { Port, ProgramUnavailable, Denied, WrongXid, Garbage, Close, Silent };
+    enum class Reply { Port, ProgramUnavailable, Denied, Garbage, Close, Silent };
     Reply reply = Reply::Port;
     std::uint16_t port = 0;
 };
@@ -69,13 +69,10 @@ FakeServer::Handler portmapper(PortmapScript script);
 struct CoreScript {
     std::map<std::string, std::int32_t> errors{};
     std::int32_t unknownError = 0;
-    bool silent = false;
-    bool fragmentedReply = false;  // replies in two fragments, with a non-empty verifier
 };
 struct CoreRecord {
     std::vector<std::string> devices;  // each create_link's device name
     int destroyed = 0;                 // destroy_link calls
-    bool lockRequested = false;
 };
 FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> record);
 
