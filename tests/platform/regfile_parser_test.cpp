@@ -36,16 +36,15 @@ std::vector<std::string> summaries(const RegParseResult& result) {
 }
 
 // The forms the writer produces (escapes, hex(1), UTF-16LE and BOM-less
-// UTF-8 files) are read back by the writer's test, which pins their text.
+// UTF-8 files) are read back by the writer's test, which pins their text;
+// the bare root and version 5.00 text hex are the tool's round trip of the
+// fixture files, deletions the import test's.
 TEST(RegParser, AcceptedFilesGiveTheirOperations) {
     const struct { const char* label; std::string text; std::vector<std::string> ops; } cases[] = {
         {"root in any case, runs of backslashes collapse", kR4 + "[hkey_local_machine\\\\A\\\\B\\]\r\n", {"key A\\B"}},
-        {"the bare root", kR4 + "[HKEY_LOCAL_MACHINE]\r\n", {"key "}},
         {"key name runs to the last ]; quotes are literal", kR4 + "[HKEY_LOCAL_MACHINE\\a]b\"c] ;note\r\n",
          {"key a]b\"c"}},
         {"blanks before ] belong to the name", kR4 + "[HKEY_LOCAL_MACHINE\\a ]\r\n", {"key a "}},
-        {"key and value deletion", kR4 + kKeyA + "\"x\"=- ;gone\r\n[-HKEY_LOCAL_MACHINE\\A\\B]\r\n",
-         {"key A", "-value A|x", "-key A\\B"}},
         {"empty quoted name is the default value", kR4 + kKeyA + "\"\"=\"d\"\r\n", {"key A", "value A||1|6400"}},
         {"blanks around = and before a comment", kR4 + kKeyA + "  \"n\"  =  \"v\"  ; c\r\n@ = dword: 1 \r\n",
          {"key A", "value A|n|1|7600", "value A||4|01000000"}},
@@ -61,8 +60,6 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
          {"key A", "value A|b|3|010203", "value A|c|3|04"}},
         {"text hex is taken as listed, no NUL added", kR4 + kKeyA + "\"x\"=hex(2):41,42\r\n\"m\"=hex(7):41,00,00\r\n",
          {"key A", "value A|x|2|4142", "value A|m|7|410000"}},
-        {"version 5 text hex is UTF-16LE", kV5 + kKeyA + "\"x\"=hex(2):41,00,e9,00,ac,20\r\n\"e\"=hex(7):\r\n",
-         {"key A", "value A|x|2|41e980", "value A|e|7|"}},
         {"header with blanks around it; LF line ends", "  REGEDIT4 \t\n[HKEY_LOCAL_MACHINE\\A]\n", {"key A"}},
         {"CR line ends", "REGEDIT4\r[HKEY_LOCAL_MACHINE\\A]\r\"n\"=\"v\"\r", {"key A", "value A|n|1|7600"}},
         {"key names of 255 characters", kR4 + "[HKEY_LOCAL_MACHINE\\" + std::string(255, 'k') + "]\r\n",
