@@ -25,9 +25,9 @@ protected:
     test::TempStore temp;
     StoreBackend& store = currentStore();
 
-    HKey open(const std::string& path, HKey parent = kLocalMachine, RegAccess access = kKeyAllAccess) {
+    HKey open(const std::string& path) {
         HKey key = kNoKey;
-        store.openKey(parent, path.c_str(), access, &key);
+        store.openKey(kLocalMachine, path.c_str(), kKeyAllAccess, &key);
         return key;
     }
 };
@@ -252,18 +252,6 @@ TEST_F(StoreSemantics, OpenGivesNewHandlesAndLeavesResultsAsWindowsDoes) {
     EXPECT_TRUE(created);
     store.closeKey(result);
     EXPECT_EQ(subkeyNames(store, open("Open\\x")), Names{"y"});
-}
-
-TEST_F(StoreSemantics, ViewFlagsAreIgnoredUnlessBothAreGiven) {
-    const HKey key = createKey(store, "SOFTWARE\\View");
-    ASSERT_EQ(setString(store, key, "v", "one view"), kErrorSuccess);
-    for (const RegAccess flag : {kKeyWow64_32Key, kKeyWow64_64Key})
-        EXPECT_EQ(valueBytes(store, open("SOFTWARE\\View", kLocalMachine, kKeyAllAccess | flag), "v"), "one view\0"s);
-    HKey result = kNoKey;
-    const RegAccess both = kKeyAllAccess | kKeyWow64_32Key | kKeyWow64_64Key;
-    EXPECT_EQ(store.openKey(kLocalMachine, "SOFTWARE\\View", both, &result), kErrorInvalidParameter);
-    EXPECT_EQ(store.createKey(kLocalMachine, "SOFTWARE\\Other", both, &result, nullptr), kErrorInvalidParameter);
-    EXPECT_EQ(open("SOFTWARE\\Other"), kNoKey);
 }
 
 TEST_F(StoreSemantics, DeleteKeyIsNotRecursive) {
