@@ -61,16 +61,13 @@ TEST(ProductFlag, TextNumberAndByteForms) {
 
 TEST(ProductSettings, CachedValuesAreReadOncePerStore) {
     TempStore store;
-    EXPECT_EQ(baseDir(), ".");
+    EXPECT_EQ(baseDir(), ".");  // a new "BaseDir" after reopening is the VISA configuration test's
     putString(underProduct(), "UseLegacyPxiInstrFormat", "False");
     EXPECT_EQ(useLegacyPxiInstrFormat(), 0);
     putString(underProduct(), "UseLegacyPxiInstrFormat", "True");
-    putString(underProduct(), "BaseDir", "/opt/visa");
     EXPECT_EQ(useLegacyPxiInstrFormat(), 0) << "a running process keeps the form it started with";
-    EXPECT_EQ(baseDir(), ".");
     store.reopen();
     EXPECT_EQ(useLegacyPxiInstrFormat(), 1);
-    EXPECT_EQ(baseDir(), "/opt/visa");
 }
 
 TEST(VisaPresent, OlderNameMigratesOnFirstRead) {
