@@ -104,7 +104,6 @@ TEST(StoreFile, OpenStateFollowsPermissions) {
     // folder, file: the modes every file of the store gets; expected: what
     // a process without root rights reports.
     const struct { const char* label; p folder, file; const char* expected; } cases[] = {
-        {"read-only file", p(0777), p(0444), "state=0 writable=0 read=old write=1013"},
         {"writable by all", p(0777), p(0666), "state=0 writable=1 read=old write=0"},
         {"unreadable file", p(0777), p(0), "state=3 writable=0 read=<missing> write=5"},
     };
