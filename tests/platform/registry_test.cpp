@@ -35,7 +35,6 @@ TEST(RegistryWrapper, FixedBuffersAndCaseSensitiveValueExists) {
     reg.setString("MixedName", "x");
     EXPECT_TRUE(reg.valueExists("MixedName"));
     EXPECT_FALSE(reg.valueExists("mixedname"));
-    EXPECT_EQ(reg.getString("mixedname"), "x") << "the store itself ignores case";
 }
 
 }  // namespace
