@@ -35,12 +35,11 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
     for (const auto& c : cases)
         EXPECT_EQ(lookupProfileString(c.content, c.section, c.key, "dflt"), c.expected) << c.what;
     EXPECT_EQ(lookupProfileString("", "S", "k", "  a b  "), "  a b") << "the default loses trailing blanks only";
-    // Cut to the caller's buffer, which holds the NUL too.
-    for (const auto& [maxChars, expected] : {std::pair<std::size_t, const char*>{0, ""}, {1, ""}, {3, "ab"},
-                                             {6, "abcde"}, {7, "abcde"}}) {
+    // Cut to the caller's buffer, which holds the NUL too: no room, cut, just fitting (that nothing
+    // ever passes the buffer is the profile fuzz target's).
+    for (const auto& [maxChars, expected] : {std::pair<std::size_t, const char*>{0, ""}, {3, "ab"}, {6, "abcde"}})
         EXPECT_EQ(lookupProfileString("[S]\nk=abcde\n", "S", "k", "", maxChars), expected) << maxChars;
-        EXPECT_EQ(lookupProfileString("", "S", "k", "abcde", maxChars), expected) << maxChars;
-    }
+    EXPECT_EQ(lookupProfileString("", "S", "k", "abcde", 3), "ab") << "the default is cut the same way";
 }
 
 }  // namespace
