@@ -40,7 +40,6 @@ TEST_F(StoreSemantics, KeyNamesMatchByUpperCaseAndKeepTheirCase) {
         {"s caron, oe, y diaeresis", "\x9A\x9C\xFF", "\x8A\x8C\x9F", kErrorSuccess},
         {"sharp s is not SS", "Stra\xDF" "e", "STRASSE", kErrorFileNotFound},
         {"trailing space is part of the name", "Subkey1c ", "Subkey1c", kErrorFileNotFound},
-        {"punctuation is legal", "Subkey\"1/2:https://host", "SUBKEY\"1/2:HTTPS://HOST", kErrorSuccess},
         {"runs of separators", "A\\\\B\\", "a\\b", kErrorSuccess},
     };
     const HKey names = createKey(store, "Names");
@@ -55,8 +54,8 @@ TEST_F(StoreSemantics, KeyNamesMatchByUpperCaseAndKeepTheirCase) {
     HKey opened = kNoKey;
     ASSERT_EQ(store.createKey(names, "sUBKEY3A", kKeyAllAccess, &opened, &isNew), kErrorSuccess);
     EXPECT_FALSE(isNew) << "creating under another case opens the existing key";
-    EXPECT_EQ(subkeyNames(store, names), (Names{"A", "Caf\xE9", "Stra\xDF" "e", "Subkey\"1/2:https://host",
-                                                "Subkey1c ", "Subkey3a", "\x9A\x9C\xFF"}));
+    EXPECT_EQ(subkeyNames(store, names),
+              (Names{"A", "Caf\xE9", "Stra\xDF" "e", "Subkey1c ", "Subkey3a", "\x9A\x9C\xFF"}));
 }
 
 TEST_F(StoreSemantics, PathsAreRelativeAndNamesAreLimited) {
@@ -136,7 +135,6 @@ TEST_F(StoreSemantics, StoredBytesFollowTheStringTerminatorRule) {
     // buffer: what the caller's memory holds; cbData: the size it passes.
     struct Case { const char* label; RegType type; std::string buffer; std::uint32_t cbData; std::string stored; };
     const Case cases[] = {
-        {"terminator counted", kRegSz, "foobar\0"s, 7, "foobar\0"s},
         {"terminator not counted, next byte NUL", kRegSz, "foobar\0"s, 6, "foobar\0"s},
         {"next byte not NUL", kRegSz, "foobarX", 6, "foobar"},
         {"expand string too", kRegExpandSz, "%x%\0"s, 3, "%x%\0"s},
@@ -249,7 +247,6 @@ TEST_F(StoreSemantics, DeleteKeyIsNotRecursive) {
     struct Case { const char* label; HKey parent; const char* subKey; RegResult expected; };
     const Case cases[] = {
         {"has subkeys", parent, "child", kErrorAccessDenied},
-        {"missing", parent, "nothing", kErrorFileNotFound},
         {"the root", kLocalMachine, "", kErrorAccessDenied},
         {"leaf, other case", parent, "CHILD\\GRANDCHILD", kErrorSuccess},
         {"now empty", parent, "Child", kErrorSuccess},
