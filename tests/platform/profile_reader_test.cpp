@@ -21,7 +21,6 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
         {"key without = reads as missing", "[S]\nk\n", "S", "k", "dflt"},
         {"first key wins", "[S]\nk=1\nk=2\n", "S", "k", "1"},
         {"first section wins", "[S]\na=1\n[S]\nk=2\n", "S", "k", "dflt"},
-        {"key of another section", "[T]\nk=1\n[S]\nj=2\n", "S", "k", "dflt"},
         {"keys before any section", "k=1\n[S]\n", "S", "k", "dflt"},
         {"comment line", "[S]\n;k=1\nk=2\n", "S", "k", "2"},
         {"comment after value kept", "[S]\nk=1 ; note\n", "S", "k", "1 ; note"},
