@@ -15,7 +15,6 @@
 #include "store/interface_setup.h"
 #include "store/visa_info.h"
 #include "visacore/interface_types.h"
-#include "store_builder.h"
 #include "temp_store.h"
 #include "tree_text.h"
 
