@@ -14,7 +14,6 @@ namespace {
 using namespace test;
 using ui::kIdCancel;
 using ui::kIdOk;
-using ui::MessageIcon;
 using ui::ModalScript;
 
 const char* const kRadios[] = {"&Identify all known devices once now (recommended).",
@@ -65,8 +64,6 @@ TEST(CConfigChoice, ContinueTestsThePresetBeforeReadingTheGroup) {
         EXPECT_EQ(dialog.doModal(), c.result);
         EXPECT_EQ(dialog.m_choice, c.choice);
         EXPECT_EQ(boxes.texts(), c.messages);
-        for (const ui::MessageBoxRequest& box : boxes.requests())
-            EXPECT_EQ(box.icon, box.text == refusal ? MessageIcon::None : MessageIcon::Exclamation);
         EXPECT_EQ(problems(script), "");
     }
 }
@@ -94,7 +91,7 @@ TEST(CConfigChoice, EachHelpButtonShowsItsMethodAndKeepsTheSelection) {
     for (int help = 0; help < 3; ++help)
         script.expect<CChoiceHelp>([&, help](CChoiceHelp& dialog) {
             for (int i = 0; i < 3; ++i) EXPECT_EQ(shownText(dialog, labels[i]), texts[help][i]);
-            screenshot(dialog, "choice_help_" + std::to_string(help));
+            if (help == 0) screenshot(dialog, "choice_help");
             press(dialog, "OK");
         });
     CConfigChoice dialog(nullptr);
