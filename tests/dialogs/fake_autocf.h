@@ -25,7 +25,6 @@ public:
     visa::ViStatus resetStatus = visa::VI_SUCCESS;
     std::vector<Report> reports;   // after the last one: "no more devices"
     std::set<std::string> absent;  // entry points the module lacks
-    bool moduleMissing = false;
 
     // What happened.
     std::map<std::string, int> lookups;
@@ -77,7 +76,7 @@ private:
             const std::map<std::string, void*> entries = {{"AUTOCF_autoConfigReset", reinterpret_cast<void*>(&reset)},
                                                           {"AUTOCF_autoConfigNextDev", reinterpret_cast<void*>(&next)},
                                                           {"AUTOCF_autoConfigDone", reinterpret_cast<void*>(&done)}};
-            return moduleMissing || absent.count(name) || !entries.count(name) ? nullptr : entries.at(name);
+            return absent.count(name) || !entries.count(name) ? nullptr : entries.at(name);
         };
         services.openDefaultRM = [this](visa::ViSession* session) {
             opened.push_back(*session = 0x5150 + static_cast<visa::ViSession>(opened.size()));
