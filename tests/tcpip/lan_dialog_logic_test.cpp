@@ -13,8 +13,7 @@ namespace braxcfg::tcpip {
 namespace {
 
 TEST(ListEntry, SplitsAtTheFirstTab) {
-    const std::array<std::array<const char*, 3>, 3> cases = {{
-        {"\tTCPIP0::h::5025::SOCKET", "", "TCPIP0::h::5025::SOCKET"},
+    const std::array<std::array<const char*, 3>, 2> cases = {{
         {"TCPIP0::h::inst0::INSTR", "", "TCPIP0::h::inst0::INSTR"},  // no TAB: all resource
         {"a\tb\tc", "a", "b\tc"},
     }};
@@ -40,9 +39,9 @@ TEST(AutomaticAlias, SkipsDeletedNamesAndKeepsTheLastTriedWhenAllAreTaken) {
     EXPECT_EQ(entry.name(), "TcpipDevice999");
 }
 
-TEST(KorlAddress, InstrumentAndSocketFormatsWithinTheirBuffer) {
+// The socket format is the Add scenario's store value.
+TEST(KorlAddress, InstrumentFormatWithinItsBuffer) {
     EXPECT_EQ(formatKorlAddress("lan", "INSTR", "myhost", "inst0"), "lan[myhost]:inst0");
-    EXPECT_EQ(formatKorlAddress("lan", "SOCKET", "myhost", "5025"), "lan,5025[myhost]");
     EXPECT_EQ(formatKorlAddress("", "INSTR", "myhost", "inst0"), std::nullopt);
     EXPECT_EQ(formatKorlAddress("lan", "INSTR", std::string(300, 'h'), "inst0")->size(), 255u);
 }
