@@ -29,7 +29,6 @@ public:
     // What happened.
     std::map<std::string, int> lookups;
     int nextCalls = 0, dones = 0;
-    std::string resetIntfName;
     std::vector<visa::ViSession> opened, closed;
 
     FakeAutocf() : previous_(dialogs::setAutoConfigServices(services())) { installed() = this; }
@@ -52,10 +51,7 @@ private:
         static FakeAutocf* fake = nullptr;
         return fake;
     }
-    static int32_t reset(braxcfg_autocf_record* record, int32_t) {
-        installed()->resetIntfName = record->intfName;
-        return installed()->resetStatus;
-    }
+    static int32_t reset(braxcfg_autocf_record*, int32_t) { return installed()->resetStatus; }
     static int32_t next(braxcfg_autocf_record* record) {
         FakeAutocf& fake = *installed();
         ++fake.nextCalls;
