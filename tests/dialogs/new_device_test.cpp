@@ -26,7 +26,6 @@ TEST(CNewDevice, ComposesTheNameOnEveryEditAndRefusesABadAddressOnlyOnOk) {
     // typed, then backspaces: the composed name and whether OK is enabled
     const std::tuple<const char*, int, const char*, bool> edits[] = {
         {"10::8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true}, {"", 1, "GPIB0::", false},
-        {"x", 0, "GPIB0::x", true}, {"", 1, "GPIB0::", false},  // composed as typed; the rules judge it on OK
     };
     ModalScript script;
     script
@@ -56,7 +55,6 @@ TEST(CNewDevice, ComposesTheNameOnEveryEditAndRefusesABadAddressOnlyOnOk) {
             EXPECT_EQ(shownText(error, "hintLabel"),
                       "You must specify a valid device name, such as:\n\n\tGPIB0::24\n\n"
                       "For GPIB Secondary addresses, use an address such as:\n\n\tGPIB0::10::8");
-            EXPECT_NE(error.parentWidget(), nullptr);
             screenshot(error, "entry_error_leading_zero");
             press(error, "OK");
         })
