@@ -152,7 +152,6 @@ TEST_F(TcpipShowDev, AddWithAutomaticAliasKeepsItsWeakDuplicateChecksThenOkWrite
         expectAdd(script_, "myhost", "", std::string());  // no alias
         expectAdd(script_, "myhost", "", "TCPIPDEVICE1");  // the same resource; a taken alias in other case
         press(dialog, "&Add device");
-        EXPECT_EQ(enabledButtons(dialog), "OCA---");
         press(dialog, "&Add device");
         press(dialog, "&Add device");
         EXPECT_EQ(listEntries(dialog),
@@ -208,8 +207,6 @@ TEST_F(TcpipShowDev, EditRecordsEachAliasCase) {
     EXPECT_EQ(treeText("VISADevices"),
               "[]\n\"meter\"=\"TCPIP0::d::5025::SOCKET\"\n\"bench\"=\"TCPIP0::b::5025::SOCKET\"\n");
     EXPECT_EQ(treeText("Devices"), "[]\n\"meter\"=\"lan0[d]:inst0\"\n");
-    EXPECT_EQ(treeText("INTF2\\VISADev\\TCPIP0::a::5025"),
-              "[]\n[TCPIP0::a::5025::SOCKET]\n\"Driver\"=\"sock\"\n\"Prefix\"=\"TCPIP\"\n");
 }
 
 // Captions and fixed texts; the buttons' labels are what the scenarios press.
