@@ -1,5 +1,6 @@
 // mDNS messages: what the querier sends, what it reads back (compressed
-// names included), and that malformed packets are refused, not misread.
+// names included, a pointer loop refused), and the services the answers
+// name. Malformed packets in general are the mdns fuzz target's.
 #include "visacore/lan/dns_message.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +13,6 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// What the wire carries of a record, for comparing.
-auto fields(const dns::Record& r) { return std::tie(r.name, r.type, r.target, r.port, r.address, r.texts); }
-
 TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
     EXPECT_EQ(dns::encodeQuery(0x1234, {{"_lxi._tcp.local", dns::kPtr}}, true),
               (Bytes{0x12, 0x34, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0,                                  //
@@ -22,26 +20,9 @@ TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
                      0, 12, 0x80, 1}));
 }
 
-TEST(DnsMessage, ResponseRoundTripsEveryRecordType) {
-    const std::vector<dns::Record> answers{
-        {"_hislip._tcp.local", dns::kPtr, 120, "Scope._hislip._tcp.local", 0, {}, {}},
-        {"Scope._hislip._tcp.local", dns::kSrv, 120, "host.local", 4881, {}, {}},
-        {"Scope._hislip._tcp.local", dns::kTxt, 120, {}, 0, {}, {"txtvers=1", "Manufacturer=Tolvane"}},
-        {"host.local", dns::kA, 120, {}, 0, {10, 0, 0, 5}, {}},
-        {"host.local", dns::kAaaa, 120, {}, 0, Bytes(16, 0xFE), {}},
-    };
-    dns::Message parsed;
-    ASSERT_TRUE(dns::parseMessage(dns::encodeResponse(7, {{"_hislip._tcp.local", dns::kPtr}}, answers), parsed));
-    EXPECT_TRUE(parsed.response);
-    EXPECT_EQ(parsed.id, 7);
-    EXPECT_EQ(parsed.questions.size(), 1u);
-    ASSERT_EQ(parsed.records.size(), answers.size());
-    for (std::size_t i = 0; i < answers.size(); ++i) EXPECT_EQ(fields(parsed.records[i]), fields(answers[i])) << i;
-}
-
 // A response as responders write it, names compressed against earlier
-// ones; then the same with one byte changed or the end cut off.
-TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
+// ones; then the same with a pointer that points at itself.
+TEST(DnsMessage, FollowsCompressionPointersAndRefusesALoop) {
     const Bytes good{0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
                      // @12: _vxi-11._tcp.local PTR -> "Box" + @12
                      7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
@@ -56,23 +37,9 @@ TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
     EXPECT_EQ(parsed.records[1].name, "Box._vxi-11._tcp.local");
     EXPECT_EQ(parsed.records[1].port, 1024);
 
-    const auto changed = [&](std::size_t at, int value) {
-        Bytes copy = good;
-        copy[at] = static_cast<std::uint8_t>(value);
-        return copy;
-    };
-    const struct { const char* what; Bytes packet; } cases[] = {
-        {"short header", Bytes{0, 0, 0x84}},
-        {"truncated record", Bytes(good.begin(), good.end() - 3)},
-        {"pointer to itself", changed(49, 48)},
-        {"pointer past the end", changed(49, 0xF0)},
-        {"label longer than 63", changed(12, 64)},
-        {"record length beyond the packet", changed(41, 0x60)},
-        {"more records than present", changed(7, 3)},
-        {"A record of 5 bytes", Bytes{0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
-                                       5, 1, 2, 3, 4, 5}},
-    };
-    for (const auto& c : cases) EXPECT_FALSE(dns::parseMessage(c.packet, parsed)) << c.what;
+    Bytes loop = good;
+    loop[49] = 48;
+    EXPECT_FALSE(dns::parseMessage(loop, parsed));
 }
 
 TEST(MdnsServices, ResponsesBecomeResourceStrings) {
@@ -126,7 +93,6 @@ TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
         {"_HISLIP._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::hislip0,4881::INSTR"}},
         {"_vxi-11._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::inst0::INSTR"}},
         {"_scpi-raw._tcp.local", {first, second}, {"Meter: TCPIP0::10.0.0.3::5025::SOCKET"}},
-        {"_http._tcp.local", {first, second}, {}},
         {"_lxi._tcp.local", {first, second}, {}},  // the simulator has no web service
         {"_vxi-11._tcp.local", {first, second}, {}, false},  // a response is not asking
         // One instrument served at two addresses: two instances, told apart.
