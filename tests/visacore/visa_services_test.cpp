@@ -29,8 +29,8 @@ void use(const char* choice) {
 [[maybe_unused]] const bool kBuiltinVisa = setenv("BRAXCFG_VISA_LIBRARY", "builtin", 1) == 0;
 
 // Every entry is found by its own code and described in full by
-// viStatusDesc; the texts users see are pinned, and codes not in the table
-// are described by number.
+// viStatusDesc; one text of each kind of code is pinned (the rest come
+// from the same table), and codes not in the table are described by number.
 TEST(StatusText, DescribesEveryCode) {
     std::set<std::string> names;
     char desc[kStatusDescLength];
@@ -42,11 +42,6 @@ TEST(StatusText, DescribesEveryCode) {
     }
     const struct { ViStatus status; const char* name; const char* description; } cases[] = {
         {VI_SUCCESS, "VI_SUCCESS", "Operation completed successfully."},
-        {VI_ERROR_TMO, "VI_ERROR_TMO", "Timeout expired before operation completed."},
-        {VI_ERROR_RSRC_NFOUND, "VI_ERROR_RSRC_NFOUND",
-         "Insufficient location information or the requested device or resource is not present in the system."},
-        {VI_ERROR_MACHINE_NAVAIL, "VI_ERROR_MACHINE_NAVAIL",
-         "The remote machine does not exist or is not accepting any connections."},
         {toStatus(0x3FFF007Du), "VI_SUCCESS_DEV_NPRESENT",
          "Session opened successfully, but the device at the specified address is not responding."},
         {toStatus(0xBFFF0014u), "", "Unknown error code 0xBFFF0014."},  // a gap in the numbering
@@ -131,10 +126,10 @@ TEST(SystemVisa, FallsBackToTheBuiltinOne) {
 }
 
 // The product reader decides the value's forms; here: the setting is the
-// one read, and whatever comes is kept within bounds.
+// one read, and whatever comes is kept within bounds. A caller's own
+// timeout reaching the library is the forwarding test's.
 TEST(ProbeTimeout, ProductSettingIsReadAndClamped) {
-    for (const auto& [requested, expected] : {std::pair{0LL, 3000LL}, {-5LL, 3000LL}, {250LL, 250LL},
-                                              {60000LL, 60000LL}, {3600000LL, 60000LL}})
+    for (const auto& [requested, expected] : {std::pair{0LL, 3000LL}, {250LL, 250LL}, {3600000LL, 60000LL}})
         EXPECT_EQ(clampProbeTimeout(requested), milliseconds(expected)) << requested;
     test::TempStore store;
     EXPECT_EQ(configuredProbeTimeout(), milliseconds(3000)) << "missing";
@@ -143,7 +138,6 @@ TEST(ProbeTimeout, ProductSettingIsReadAndClamped) {
     store.reopen();
     EXPECT_EQ(configuredProbeTimeout(), milliseconds(60000));
     EXPECT_EQ(effectiveProbeTimeout(milliseconds(0)), milliseconds(60000));
-    EXPECT_EQ(effectiveProbeTimeout(milliseconds(250)), milliseconds(250)) << "a caller's own timeout wins";
 }
 
 }  // namespace
