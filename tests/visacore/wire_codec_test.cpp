@@ -36,19 +36,6 @@ TEST(OncRpc, CallsMatchHandEncodedRecords) {
               words({0x80000040, 4, 0, 2, 0x0607AF, 1, 12, 0, 0, 0, 0, 5, 65536, 250, 0, 0, 0}));
 }
 
-// The simulator's side: a call with any credential flavor is read (its
-// arguments start after the verifier), anything else is refused.
-TEST(OncRpc, ServerSideReadsCalls) {
-    const Bytes call = words({77, 0, 2, 100000, 2, 3, 1, 8, 0xAAAAAAAA, 0xBBBBBBBB, 0, 0, 0x0607AF, 1, 6, 0});
-    rpc::Call parsed;
-    ASSERT_TRUE(rpc::parseCall(call, parsed));
-    EXPECT_EQ(parsed.xid, 77u);
-    EXPECT_EQ(parsed.procedure, 3u);
-    EXPECT_EQ(Bytes(parsed.arguments.begin(), parsed.arguments.end()), words({0x0607AF, 1, 6, 0}));
-    for (const Bytes& bad : {words({77, 1, 2}), words({77, 0, 3, 1, 1, 1, 0, 0, 0, 0}), words({77, 0, 2, 1, 1})})
-        EXPECT_FALSE(rpc::parseCall(bad, parsed)) << bad.size();
-}
-
 // device_read's results: data, and data longer than what arrived.
 TEST(OncRpc, ReadsDeviceReadResults) {
     rpc::DeviceReadResult result;
