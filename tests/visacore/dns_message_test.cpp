@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "visacore/lan/mdns_services.h"
-#include "visacore/lan/sim/mdns_responder.h"
 
 namespace braxcfg::visa::lan {
 namespace {
@@ -43,8 +42,8 @@ TEST(DnsMessage, FollowsCompressionPointersAndRefusesALoop) {
 }
 
 // Complete answers (SRV and address) from the simulator's responder are read
-// back in the discovery integration test; here what a reader fills in for a
-// partial one.
+// back in the discovery integration test (and checked to parse by the mdns
+// fuzz target); here what a reader fills in for a partial one.
 TEST(MdnsServices, ResponsesBecomeResourceStrings) {
     const auto response = [](std::string_view type, std::uint16_t port, bool withSrv, bool withAddress) {
         const std::string instance = "Box." + std::string(type);
@@ -75,50 +74,3 @@ TEST(MdnsServices, ResponsesBecomeResourceStrings) {
 
 }  // namespace
 }  // namespace braxcfg::visa::lan
-
-namespace braxcfg::visa::lan::sim {
-namespace {
-
-// Each answer packet read back as "instance: resources", its findings
-// joined by "; ".
-TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
-    LabInstrument scope, meter;
-    scope.mdnsName = "Scope";
-    meter.mdnsName = "Meter";
-    Site first{"10.0.0.2", false, 111, 1024, {{"inst0", &scope}}, {{4881, {{"hislip0", &scope}}}}, {}, {&scope}};
-    Site second{"10.0.0.3", false, 111, 0, {}, {}, {{5025, &meter}}, {&meter}};
-    Site again = first;
-    again.address = "10.0.0.4";
-    const struct { const char* type; std::vector<Site> sites; std::vector<std::string> answers;
-                   bool asked = true; } cases[] = {
-        {"_HISLIP._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::hislip0,4881::INSTR"}},
-        {"_lxi._tcp.local", {first, second}, {}},  // the simulator has no web service
-        {"_vxi-11._tcp.local", {first, second}, {}, false},  // a response is not asking
-        // One instrument served at two addresses: two instances, told apart.
-        {"_vxi-11._tcp.local", {first, again},
-         {"Scope @10.0.0.2: TCPIP0::10.0.0.2::inst0::INSTR", "Scope @10.0.0.4: TCPIP0::10.0.0.4::inst0::INSTR"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.type);
-        dns::Message query;
-        query.id = 9;
-        query.response = !c.asked;
-        query.questions.push_back({c.type, dns::kPtr});
-        std::vector<std::string> answers;
-        for (const auto& packet : mdnsResponses(query, c.sites)) {
-            dns::Message parsed;
-            // A one-shot querier matches answers by ID and expects its question back.
-            EXPECT_TRUE(dns::parseMessage(packet, parsed) && parsed.id == 9 && parsed.questions.size() == 1);
-            std::string text;
-            for (const ServiceFinding& finding : readServiceResponse(parsed, "192.0.2.1")) {
-                text += (text.empty() ? "" : "; ") + finding.instanceName + ":";
-                for (const std::string& resource : finding.resources) text += " " + resource;
-            }
-            answers.push_back(text);
-        }
-        EXPECT_EQ(answers, c.answers);
-    }
-}
-
-}  // namespace
-}  // namespace braxcfg::visa::lan::sim
