@@ -24,12 +24,12 @@ TEST_F(RegfileTool, ImportThenExportGivesTheFileBack) {
     EXPECT_EQ(tool({"export", "--utf8"}).out, readFile(kFixtures + "/regfile_roundtrip.utf8.reg"));
     const ToolRun toFile = tool({"export", path("out.reg")});
     EXPECT_EQ(toFile.exitCode, 0) << toFile.err;
-    EXPECT_EQ(toFile.out, "");
     EXPECT_EQ(readFile(path("out.reg")), readFile(kFixtures + "/regfile_roundtrip.utf16.reg"));
 }
 
 // One non-ASCII name typed on the command line, imported from a .reg file,
-// exported, listed and written as JSON is one and the same name.
+// exported and listed is one and the same name (JSON's UTF-8 is the JSON
+// report test's).
 TEST_F(RegfileTool, OneNonAsciiNameIsTheSameAtEveryEdge) {
     const std::string bench = "B\xC3\xA4nch";  // as typed in a UTF-8 terminal
     write("intf.reg", "Windows Registry Editor Version 5.00\n\n[" + kProduct + "\\INTF0]\n\"VISAName\"=\"" + bench +
@@ -45,8 +45,6 @@ TEST_F(RegfileTool, OneNonAsciiNameIsTheSameAtEveryEdge) {
     const std::string aliases = tool({"aliases"}).out;
     EXPECT_EQ(aliases.find(bench), aliases.rfind(bench)) << aliases;
     EXPECT_NE(aliases.find(bench + "                TCPIP0::a::INSTR"), std::string::npos) << aliases;
-    EXPECT_EQ(tool({"devices", "INTF0"}).out.rfind(bench + "::7\n", 0), 0u);
-    EXPECT_NE(tool({"interfaces", "--json"}).out.find("\"visaName\": \"" + bench + "\""), std::string::npos);
     const ToolRun refused = tool({"aliases", "set", "\xE4\xB8\xAD", "--resource", "TCPIP0::a::INSTR"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_NE(refused.err.find("U+4E2D is not in the Windows-1252 code page"), std::string::npos) << refused.err;
