@@ -87,7 +87,6 @@ TEST_F(Exports, PredicatesAnswerFromTheStoreAndEditFollowsThem) {
             qobject_cast<QDialog*>(&list)->reject();
         });
         call("editVisaIntf", c.intf);
-        EXPECT_EQ(modals.problems(), std::vector<std::string>{});
         EXPECT_EQ(modals.opened(), c.list ? std::vector<std::string>{c.list} : std::vector<std::string>{});
     }
     EXPECT_EQ(exported<int(const char*)>("isValidVisaIntf")(nullptr), 0);
@@ -98,18 +97,17 @@ TEST_F(Exports, PredicatesAnswerFromTheStoreAndEditFollowsThem) {
     putDword(underProduct(), "LinkbaseVisaPresent", 1);
 }
 
-TEST_F(Exports, StartAndSetUpShowNothingAndLeaveASetUpInterfaceAlone) {
-    putTree("[INTF20]\n\"VISAName\"=\"GPIB20\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n"
-            "\"VISAAutoConfig\"=hex:00\n[INTF21]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n");
-    const std::string before = treeText(""), setUp = treeText("INTF20");
+// What set-up writes for each type, and that it leaves a set-up interface
+// alone, is the tool's set-up fixture's; here it is called with a window.
+TEST_F(Exports, StartAndSetUpShowNothing) {
+    putTree("[INTF21]\n\"VISAName\"=\"USB0\"\n\"VISAIntfType\"=\"USB\"\n");
+    const std::string before = treeText("");
     ForeignModals modals;
     for (const char* intf : {"INTF21", "", static_cast<const char*>(nullptr)})
         exported<void(const char*)>("doVisaStartStuff")(intf);
     EXPECT_EQ(treeText(""), before) << "nothing to prepare";
-    call("setupVisaIntf", "INTF20");
     call("setupVisaIntf", "INTF21");
     EXPECT_EQ(modals.opened(), std::vector<std::string>{});
-    EXPECT_EQ(treeText("INTF20"), setUp);
     EXPECT_NE(treeText("INTF21").find("\"VISAAutoConfig\"=hex:01"), std::string::npos);
 }
 
