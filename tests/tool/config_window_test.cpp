@@ -119,15 +119,14 @@ TEST_F(ConfigWindowTest, ConfigureCarriesOutTheChoiceHoweverTheDialogCloses) {
 
 TEST_F(ConfigWindowTest, SetUpReachesThePluginAndClosingEndsThePass) {
     putTree("[INTF0]\n\"VISAName\"=\"ASRL1\"\n\"VISAIntfType\"=\"ASRL\"\n"
-            "[INTF1]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n[INTF2]\n\"VISAIntfType\"=\"GPIB\"\n");
+            "[INTF1]\n\"VISAName\"=\"GPIB0\"\n\"VISAIntfType\"=\"GPIB\"\n");
     auto window = openWindow("INTF0");
     window->setUpAction()->trigger();
     EXPECT_EQ(intf("INTF0").getString("VISAAutoConfigDriver"), "AUTOCF");
     test::screenshot(*window, "config_window");
     window->close();
-    // The end of the pass set up the valid interfaces only.
-    EXPECT_EQ(intf("INTF1").getString("VISAAutoConfigDriver") + "|" + intf("INTF2").getString("VISAAutoConfigDriver"),
-              "AUTOCF|");
+    // The end of the pass set up INTF1 (which interfaces it sets up is the set-up fixture's).
+    EXPECT_EQ(intf("INTF1").getString("VISAAutoConfigDriver"), "AUTOCF");
 }
 
 }  // namespace
