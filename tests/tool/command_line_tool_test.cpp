@@ -85,7 +85,6 @@ TEST_F(CommandLineTool, ArgumentsExitCodesAndOutput) {
     }
     // A record per string, headed without an address so that it is the same on every run.
     const ToolRun dump = runTool({"rsrc", "dump", "--", "GPIB0::7", "GPIB0::FOO"});
-    EXPECT_EQ(dump.exitCode, 1);
     const std::string head = "\nIoParms record\n   rsrcString    = '";
     EXPECT_EQ(dump.out.rfind(head + "GPIB0::7'\n   canonicalName = 'GPIB0::7::INSTR'\n", 0), 0u);
     EXPECT_NE(dump.out.find(head + "GPIB0::FOO'\n   canonicalName = ''\n"), std::string::npos);
