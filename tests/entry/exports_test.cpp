@@ -90,7 +90,6 @@ TEST_F(Exports, PredicatesAnswerFromTheStoreAndEditFollowsThem) {
         EXPECT_EQ(modals.opened(), c.list ? std::vector<std::string>{c.list} : std::vector<std::string>{});
     }
     EXPECT_EQ(exported<int(const char*)>("isValidVisaIntf")(nullptr), 0);
-    EXPECT_EQ(exported<int(const char*)>("isVisaIntfEditable")(""), 0);
     // Without the product's VISA nothing is editable.
     putDword(underProduct(), "LinkbaseVisaPresent", 0);
     EXPECT_EQ(exported<int(const char*)>("isVisaIntfEditable")("INTF2"), 0);
