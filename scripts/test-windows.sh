@@ -28,15 +28,12 @@ prefix=$(seconds)
 wine_deviations=(
   # value-order: Wine enumerates values sorted by name, Windows in creation order.
   DeviceEntries.AutoConfigFlagIsStoredAsOneWhenMissing
-  InterfaceSetup.AKeyWithoutVisaNameIsSetUpByItsType
-  RenameIntfEntries.CopiesValuesByTheirTypeAndWritesOverAnExistingEntry
   SetupIntfEntries.CreatesTheClassesMarkedForTheTypeWord
   VisaInfo.IsWrittenOncePerProcessEvenWhenTheFirstWriteFails
   VisaInfo.KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables
   # narrow-path-limit: Wine's A calls take subkey paths of at most 260
-  # characters; the random renames and the 512-level tree build longer ones
-  # (under Wine the rename pass then never finishes).
-  RenameIntfEntries.MatchesRenamingFromTheStartAfterEveryRename
+  # characters; the 512-level tree builds longer ones (under Wine the rename
+  # pass then never finishes).
   RenameIntfEntries.LeavesAnEntryTooDeepToCopyAndFinishesThePass
 )
 filter="-$(IFS=:; echo "${wine_deviations[*]}")"

@@ -8,63 +8,37 @@
 #include <cstdlib>
 #include <string>
 
+#include "platform/regfile/reg_export.h"
+#include "platform/regfile/reg_import.h"
 #include "platform/store.h"
-#include "store_access.h"
 #include "temp_store.h"
 
 namespace braxcfg::platform {
 namespace {
 
-using test::createKey;
-using test::setString;
-using test::subkeyNames;
-using test::valueBytes;
-using test::valueNames;
+const std::string kList = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Lists\\Aliases";
 
-// Every key below `key` with its values and their bytes, in enumeration order.
-std::string dump(StoreBackend& store, HKey key, const std::string& path = "") {
-    std::string text = "[" + path + "]\n";
-    for (const std::string& name : valueNames(store, key))
-        text += "\"" + name + "\"=" + valueBytes(store, key, name.c_str()) + "\n";
-    for (const std::string& name : subkeyNames(store, key)) {
-        HKey child = kNoKey;
-        store.openKey(key, name.c_str(), kKeyQueryValue, &child);
-        text += dump(store, child, path + "\\" + name);
-        store.closeKey(child);
-    }
-    return text;
+// The list's keys and values with their bytes, in enumeration order.
+std::string dump() {
+    const auto file = regfile::exportRegFile(currentStore(), kList, regfile::RegTextEncoding::Utf8);
+    return file.error ? "<" + *file.error + ">" : file.bytes;
 }
 
-HKey listKey(StoreBackend& store) { return createKey(store, "SOFTWARE\\Lists\\Aliases"); }
+void apply(const std::string& changes) {
+    const auto error = regfile::importRegFile(currentStore(), "REGEDIT4\n[" + kList + "]\n" + changes);
+    ASSERT_FALSE(error) << regfile::describe(*error);
+}
 
 // The state every test starts from: values in an order that is not sorted,
 // an unterminated string, a subkey with its own values and subkeys.
-void writeOldList(StoreBackend& store) {
-    const HKey list = listKey(store);
-    for (const char* name : {"Zulu", "alpha", "Mike", "bravo"}) setString(store, list, name, std::string("old ") + name);
-    store.setValue(list, "raw", kRegSz, test::bytesOf("abcX"), 3);
-    const HKey entry = createKey(store, "GPIB0::5\\GPIB0::5::INSTR", list);
-    setString(store, entry, "Driver", "old");
-    store.closeKey(entry);
-    store.closeKey(list);
-}
-
+const std::string kOldList = "\"Zulu\"=\"old\"\n\"alpha\"=\"old\"\n\"Mike\"=\"old\"\n\"bravo\"=\"old\"\n"
+                             "\"raw\"=hex(1):61,62,63\n[" + kList + "\\GPIB0::5\\GPIB0::5::INSTR]\n"
+                             "\"Driver\"=\"old\"\n";
 // A rewrite that touches every kind of change: overwrite, delete, re-add,
 // new values, keys deleted, keys created several levels deep.
-void rewriteList(StoreBackend& store) {
-    const HKey list = listKey(store);
-    setString(store, list, "Mike", "new");
-    store.deleteValue(list, "alpha");
-    setString(store, list, "ALPHA", "re-added");
-    store.deleteValue(list, "raw");
-    setString(store, list, "Yankee", "new");
-    store.deleteKey(list, "GPIB0::5\\GPIB0::5::INSTR");
-    store.deleteKey(list, "GPIB0::5");
-    const HKey added = createKey(store, "TCPIP0::host\\deep\\deeper", list);
-    setString(store, added, "Driver", "new");
-    store.closeKey(added);
-    store.closeKey(list);
-}
+const std::string kRewrite = "\"Mike\"=\"new\"\n\"alpha\"=-\n\"ALPHA\"=\"re-added\"\n\"raw\"=-\n\"Yankee\"=\"new\"\n"
+                             "[-" + kList + "\\GPIB0::5]\n[" + kList + "\\TCPIP0::host\\deep\\deeper]\n"
+                             "\"Driver\"=\"new\"\n";
 
 // Fixed per test, so that the child process of a death test opens the
 // store its parent prepared.
@@ -76,49 +50,37 @@ std::string sharedLocation(const std::string& name) {
 #endif
 }
 
-class StoreTransactions : public ::testing::Test {
-protected:
-    test::TempStore temp;
-    StoreBackend& store = currentStore();
-};
-
-TEST_F(StoreTransactions, RollbackRestoresKeysValuesAndTheirOrder) {
-    writeOldList(store);
-    const HKey list = listKey(store);
-    const std::string before = dump(store, list);
-    {
-        StoreTransaction transaction;
-        ASSERT_TRUE(transaction.active());
-        rewriteList(store);
-        ASSERT_NE(dump(store, list), before);
-    }
-    EXPECT_EQ(dump(store, list), before);
-    EXPECT_EQ(valueBytes(store, list, "raw"), "abc") << "an unterminated string stays unterminated";
-}
-
-TEST_F(StoreTransactions, CommitKeepsTheRewriteAndNestedRollbackUndoesOnlyItsScope) {
-    writeOldList(store);
-    const HKey list = listKey(store);
-    std::string afterInner;
-    {
-        StoreTransaction outer;
-        setString(store, list, "outer", "kept");
-        const std::string beforeInner = dump(store, list);
+// A rollback restores keys, values and their order; a nested scope's
+// rollback undoes only that scope, and its commit lasts, in the store as the
+// next process opens it, only with the outer scope's.
+TEST(StoreTransactions, NestedScopesLastOnlyWithTheOuterCommit) {
+    for (const bool commitOuter : {false, true}) {
+        SCOPED_TRACE(commitOuter ? "outer commits" : "outer rolls back");
+        test::TempStore temp;
+        apply(kOldList);
+        const std::string before = dump();
+        std::string afterInner;
         {
-            StoreTransaction inner;
-            rewriteList(store);
+            StoreTransaction outer;
+            ASSERT_TRUE(outer.active());
+            apply("\"outer\"=\"kept\"\n");
+            const std::string beforeInner = dump();
+            {
+                StoreTransaction inner;
+                apply(kRewrite);
+            }
+            EXPECT_EQ(dump(), beforeInner) << "the inner scope alone is undone";
+            {
+                StoreTransaction inner;
+                apply(kRewrite);
+                ASSERT_TRUE(inner.commit());
+            }
+            afterInner = dump();
+            if (commitOuter) { ASSERT_TRUE(outer.commit()); }
         }
-        EXPECT_EQ(dump(store, list), beforeInner) << "the inner scope alone is undone";
-        {
-            StoreTransaction inner;
-            rewriteList(store);
-            ASSERT_TRUE(inner.commit());
-        }
-        afterInner = dump(store, list);
-        ASSERT_TRUE(outer.commit());
+        temp.reopen();
+        EXPECT_EQ(dump(), commitOuter ? afterInner : before);
     }
-    EXPECT_EQ(dump(store, list), afterInner);
-    EXPECT_EQ(valueBytes(store, list, "outer"), std::string("kept\0", 5));
 }
 
 TEST(StoreTransactionsAcrossProcesses, AWriterKilledHalfWayLeavesTheOldState) {
@@ -127,32 +89,18 @@ TEST(StoreTransactionsAcrossProcesses, AWriterKilledHalfWayLeavesTheOldState) {
     // A death test's child runs this test again from the start, up to the
     // statement it is to die in; preparing the store is the same for both.
     ASSERT_EQ(openStore(location).state, StoreOpenState::Open);
-    StoreBackend& store = currentStore();
-    const HKey lists = createKey(store, "SOFTWARE\\Lists");
-    store.closeKey(lists);
-    if (HKey old = kNoKey; store.openKey(kLocalMachine, "SOFTWARE\\Lists\\Aliases", kKeyQueryValue, &old) ==
-                           kErrorSuccess) {
-        store.closeKey(old);
-    } else {
-        writeOldList(store);
-    }
-    const HKey list = listKey(store);
-    const std::string before = dump(store, list);
-    store.closeKey(list);
-
+    apply(kOldList);
+    const std::string before = dump();
     EXPECT_EXIT(
         {
             StoreTransaction transaction;
-            rewriteList(store);
+            apply(kRewrite);
             std::_Exit(3);  // no rollback, no destructors: as if killed
         },
         ::testing::ExitedWithCode(3), "");
-
     // The next process to open the store finds the old state.
     ASSERT_EQ(openStore(location).state, StoreOpenState::Open);
-    const HKey again = listKey(currentStore());
-    EXPECT_EQ(dump(currentStore(), again), before);
-    currentStore().closeKey(again);
+    EXPECT_EQ(dump(), before);
     closeStore();
     test::removeTestStore(location);
 }

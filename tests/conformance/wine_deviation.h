@@ -15,8 +15,7 @@
 namespace braxcfg::test {
 
 struct WineDeviation {
-    const char* name;
-    const char* what;
+    const char *name, *what;
 };
 
 inline constexpr WineDeviation kWineSubkeyOrder{

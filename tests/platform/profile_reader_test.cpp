@@ -1,18 +1,15 @@
 // Profile (INI) lookups: section and key matching, quoting, comments, line
-// ends, the caller's buffer, and reading the file.
+// ends, the caller's buffer, and the listing of sections. Reading the file
+// is the serial default's test (tests/store).
 #include "platform/profile_reader.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace braxcfg::platform {
 namespace {
 
 TEST(ProfileReader, FindsValuesByTheProfileRules) {
     const struct { const char *what, *content, *section, *key, *expected; } cases[] = {
-        {"plain", "[Cfg232]\nVISAAutoConfig=true\n", "Cfg232", "VISAAutoConfig", "true"},
         {"names ignore case, value keeps it", "[cfg232]\nvisaautoconfig=Yes\n", "CFG232", "VisaAutoConfig", "Yes"},
         {"blanks around everything", "  [ S ]  \r\n\t k \t=\t v w \t\r\n", "S", "k", "v w"},
         {"double quotes removed", "[S]\nk=\" padded \"\n", "S", "k", " padded "},
@@ -40,9 +37,7 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
     for (const auto& c : cases)
         EXPECT_EQ(lookupProfileString(c.content, c.section, c.key, "dflt"), c.expected) << c.what;
     EXPECT_EQ(lookupProfileString("", "S", "k", "  a b  "), "  a b") << "the default loses trailing blanks only";
-}
-
-TEST(ProfileReader, ResultIsCutToTheCallersBuffer) {
+    // Cut to the caller's buffer, which holds the NUL too.
     for (const auto& [maxChars, expected] : {std::pair<std::size_t, const char*>{0, ""}, {1, ""}, {3, "ab"},
                                              {6, "abcde"}, {7, "abcde"}}) {
         EXPECT_EQ(lookupProfileString("[S]\nk=abcde\n", "S", "k", "", maxChars), expected) << maxChars;
@@ -50,44 +45,16 @@ TEST(ProfileReader, ResultIsCutToTheCallersBuffer) {
     }
 }
 
-TEST(ProfileReader, ReadsTheFileAndFallsBackWhenItCannot) {
-    const std::string dir = BRAXCFG_TEST_OUTPUT "/profile";
-    std::filesystem::create_directories(dir);
-    const std::string path = dir + "/intfcfg.ini";
-    std::ofstream(path, std::ios::binary) << "[Cfg232]\r\nVISAAutoConfig = True\r\n";
-    EXPECT_EQ(readProfileString(path, "cfg232", "visaautoconfig", ""), "True");
-    EXPECT_EQ(readProfileString(dir + "/missing.ini", "Cfg232", "VISAAutoConfig", "no"), "no");
-    EXPECT_EQ(readProfileString(dir, "Cfg232", "VISAAutoConfig", "folder"), "folder");
-    std::filesystem::remove(path);
-}
-
-}  // namespace
-}  // namespace braxcfg::platform
-
-namespace braxcfg::platform {
-namespace {
-
 TEST(ProfileReader, ListsEverySectionWithLineNumbers) {
     // LF, CR LF and a lone CR each end a line; nothing is merged or dropped.
-    const auto sections = listProfileSections("\xEF\xBB\xBFtop = 1\r\n; note\r\n[ A ]\r\nk = \"v\"\rk = w\nbare\n\n[a]\nx=");
-    ASSERT_EQ(sections.size(), 3u);
-    EXPECT_EQ(sections[0].name, "");
-    EXPECT_EQ(sections[0].line, 0) << "lines before the first header";
-    EXPECT_EQ(sections[1].name, "A");
-    EXPECT_EQ(sections[1].line, 3);
-    ASSERT_EQ(sections[1].entries.size(), 3u);
-    const struct { const char* key; const char* value; int line; bool hasEquals; } expected[] = {
-        {"k", "v", 4, true}, {"k", "w", 5, true}, {"bare", "", 6, false}};
-    for (std::size_t i = 0; i < 3; ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_EQ(sections[1].entries[i].key, expected[i].key);
-        EXPECT_EQ(sections[1].entries[i].value, expected[i].value);
-        EXPECT_EQ(sections[1].entries[i].line, expected[i].line);
-        EXPECT_EQ(sections[1].entries[i].hasEquals, expected[i].hasEquals);
+    std::string listed;
+    for (const ProfileSection& section :
+         listProfileSections("\xEF\xBB\xBFtop = 1\r\n; note\r\n[ A ]\r\nk = \"v\"\rk = w\nbare\n\n[a]\nx=")) {
+        listed += "[" + section.name + "]@" + std::to_string(section.line) + "\n";
+        for (const ProfileEntry& e : section.entries)
+            listed += e.key + (e.hasEquals ? "=" : "") + e.value + "@" + std::to_string(e.line) + "\n";
     }
-    EXPECT_EQ(sections[2].name, "a") << "a second section of the same name is listed too";
-    EXPECT_EQ(sections[2].line, 8);
-    EXPECT_EQ(sections[2].entries.at(0).line, 9);
+    EXPECT_EQ(listed, "[]@0\ntop=1@1\n[A]@3\nk=v@4\nk=w@5\nbare@6\n[a]@8\nx=@9\n");
 }
 
 }  // namespace

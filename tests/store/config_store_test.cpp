@@ -4,18 +4,16 @@
 // end-to-end fixture of the tool's tests.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <vector>
 
 #include "platform/registry.h"
 #include "platform/store.h"
 #include "store/config_store.h"
 #include "store/interface_setup.h"
-#include "visacore/interface_types.h"
 #include "store/visa_info.h"
+#include "visacore/interface_types.h"
 #include "store_builder.h"
 #include "temp_store.h"
 #include "tree_text.h"
@@ -23,7 +21,6 @@
 namespace braxcfg::store {
 namespace {
 
-using test::putInterface;
 using test::putTree;
 using test::treeText;
 
@@ -33,34 +30,30 @@ std::size_t count(const std::string& text, const std::string& part) {
     return n;
 }
 
+// An interface key as .reg text for putTree.
+std::string intfTree(const std::string& intf, const std::string& visaName, const std::string& type) {
+    return "[" + intf + "]\n\"VISAName\"=\"" + visaName + "\"\n\"VISAIntfType\"=\"" + type + "\"\n";
+}
+
 TEST(GetMaxIntfNum, CountsOnlyUpperCaseInterfaceKeys) {
-    const struct {
-        const char* keys;
-        int expected;
-    } cases[] = {{"[INTF0]\n[INTF7]\n[INTF10]\n[INTFX]\n[INTF]\n", 10}, {"[intf3]\n[INTF2]\n", 2}, {"", 0},
-                 {"[INTF-5]\n[INTF1]\n", 1}, {"[Intf9]\n[INTF 4]\n", 4}};  // the number as atoi reads it
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.keys);
+    // The number as atoi reads it.
+    const std::pair<const char*, int> cases[] = {{"[INTF0]\n[INTF7]\n[INTF10]\n[INTFX]\n[INTF]\n", 10},
+        {"[intf3]\n[INTF2]\n", 2}, {"", 0}, {"[INTF-5]\n[INTF1]\n", 1}, {"[Intf9]\n[INTF 4]\n", 4}};
+    for (const auto& [keys, expected] : cases) {
         test::TempStore store;
-        putTree(std::string("[]\n") + c.keys);
-        EXPECT_EQ(ConfigStore().GetMaxIntfNum(), c.expected);
+        putTree(std::string("[]\n") + keys);
+        EXPECT_EQ(ConfigStore().GetMaxIntfNum(), expected) << keys;
     }
 }
 
 TEST(GetIntfType, TypeWordsAreCaseSensitiveAndResourceTypeIsNormalised) {
     using namespace visa;
-    const struct {
-        const char* typeWord;  // null: no interface
-        const char* rsrcType;  // null: absent
-        std::uint16_t code;
-        const char* normalised;
-    } cases[] = {
-        {"GPIB",     nullptr,  VI_INTF_GPIB,     "INSTR"}, {"VXI",      "INSTR",  VI_INTF_VXI,      "INSTR"},
-        {"GPIB-VXI", "MEMACC", VI_INTF_GPIB_VXI, "INSTR"}, {"ASRL",     "",       VI_INTF_ASRL,     "INSTR"},
-        {"PXI",      nullptr,  VI_INTF_PXI,      "INSTR"}, {"TCPIP",    "SOCKET", VI_INTF_TCPIP,    "SOCKET"},
-        {"USB",      "socket", VI_INTF_USB,      "INSTR"}, {"RSIB",     nullptr,  VI_INTF_RSIB,     "INSTR"},
-        {"gpib",     nullptr,  kIntfUnknown,     "INSTR"}, {"GPIB ",    nullptr,  kIntfUnknown,     "INSTR"},
-        {nullptr,    nullptr,  kIntfUnknown,     "INSTR"},
+    // typeWord null: no interface; rsrcType null: absent.
+    const struct { const char *typeWord, *rsrcType; std::uint16_t code; const char* normalised; } cases[] = {
+        {"GPIB", nullptr, VI_INTF_GPIB, "INSTR"},  {"GPIB-VXI", "MEMACC", VI_INTF_GPIB_VXI, "INSTR"},
+        {"ASRL", "", VI_INTF_ASRL, "INSTR"},       {"TCPIP", "SOCKET", VI_INTF_TCPIP, "SOCKET"},
+        {"USB", "socket", VI_INTF_USB, "INSTR"},   {"gpib", nullptr, kIntfUnknown, "INSTR"},
+        {"GPIB ", nullptr, kIntfUnknown, "INSTR"}, {nullptr, nullptr, kIntfUnknown, "INSTR"},
     };
     test::TempStore store;
     int n = 0;
@@ -72,7 +65,6 @@ TEST(GetIntfType, TypeWordsAreCaseSensitiveAndResourceTypeIsNormalised) {
         std::string rsrcType = "unchanged";
         EXPECT_EQ(ConfigStore().GetIntfType(intf, rsrcType), c.code);
         EXPECT_EQ(rsrcType, c.normalised);
-        EXPECT_EQ(ConfigStore().GetIntfType(intf), c.code);
     }
 }
 
@@ -82,8 +74,7 @@ TEST(SetupIntfEntries, CreatesTheClassesMarkedForTheTypeWord) {
     putTree("[VISAInfo\\DefaultIntfRsrcs\\INTFC]\n\"DrvrName\"=\"INSTR\"\n\"PrefixName\"=\"INTFC\"\n\"GPIB\"=hex:01\n"
             "[VISAInfo\\DefaultIntfRsrcs\\BARE]\n\"GPIB\"=hex:01\n"
             "[VISAInfo\\DefaultIntfRsrcs\\SILENT]\n\"VXI\"=hex:01\n"
-            "[VISAInfo\\DefaultIntfRsrcs\\REFUSED]\n\"GPIB\"=hex:00\n"
-            "[INTF0]\n\"VISAName\"=\"X0\"\n\"VISAIntfType\"=\"GPIB\"\n");
+            "[VISAInfo\\DefaultIntfRsrcs\\REFUSED]\n\"GPIB\"=hex:00\n" + intfTree("INTF0", "X0", "GPIB"));
     ConfigStore().SetupIntfEntries("INTF0", 1);
     EXPECT_EQ(treeText("INTF0"), "[]\n\"VISAName\"=\"X0\"\n\"VISAIntfType\"=\"GPIB\"\n"
                                  "\"VISAAutoConfigDriver\"=\"AUTOCF\"\n\"VISAAutoConfig\"=hex:01\n[VISADev]\n"
@@ -99,16 +90,11 @@ TEST(DeviceEntries, AddCreatesTheClassesMarkedForTheInterfaceType) {
     ConfigStore().WriteVisaInfoDefaults();  // the real template table, and a class someone added
     putTree("[VISAInfo\\DefaultRsrcs\\EXTRA]\n\"DrvrName\"=\"XDRV\"\n\"PrefixName\"=\"XPFX\"\n"
             "\"GPIB\"=hex:01\n\"ASRL\"=hex:01\n");
-    const struct {
-        const char* type;
-        const char* filter;
-        const char* classes;
-        bool autoIdentify;
-    } cases[] = {
-        {"GPIB", "", "EXTRA INSTR ", false},    {"ASRL", "", "EXTRA INSTR ", true},
-        {"TCPIP", "", "INSTR SOCKET ", false},  {"TCPIP", "SOCKET", "SOCKET ", false},
-        {"TCPIP", "socket", "", false},         {"GPIB", "SOCKET", "", false},
-        {"asrl", "", "EXTRA INSTR ", false},    {"USB", "", "INSTR ", false},  // flags ignore case, "ASRL" not
+    // Flags ignore case, the "ASRL" of the serial auto-identification does not.
+    const struct { const char *type, *filter, *classes; bool autoIdentify; } cases[] = {
+        {"GPIB", "", "EXTRA INSTR ", false},   {"ASRL", "", "EXTRA INSTR ", true},
+        {"TCPIP", "", "INSTR SOCKET ", false}, {"TCPIP", "socket", "", false},  {"GPIB", "SOCKET", "", false},
+        {"asrl", "", "EXTRA INSTR ", false},   {"USB", "", "INSTR ", false},
     };
     int n = 0;
     for (const auto& c : cases) {
@@ -129,35 +115,31 @@ TEST(DeviceEntries, AddCreatesTheClassesMarkedForTheInterfaceType) {
               count(treeText("INTF0"), "[VISADev\\D0::1\\D0::1::EXTRA]\n\"Driver\"=\"XDRV\"\n\"Prefix\"=\"XPFX\"\n"));
 }
 
-TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplatesAndClearEmptiesTheList) {
+// Adding to an interface without a device list, and clearing one, are the
+// tool's device tests.
+TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsNoTemplates) {
     test::TempStore temp;
     putTree("[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\D::5\\D::5::INSTR]\n\"Driver\"=\"old\"\n"
-            "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n"
+            "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n"
             "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"I\"\n\"GPIB\"=hex:01\n");
     ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR", "");
-    ConfigStore().AddDeviceEntry("INTF1", "D::5", "", "");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n[D::5]\n[D::5\\D::5::INSTR]\n\"Driver\"=\"I\"\n\"Kept\"=\"yes\"\n"
                                           "\"Prefix\"=\"\"\n[D::5\\D::5::OTHER]\n");
-    EXPECT_EQ(treeText("INTF1\\VISADev"), "<missing>");
-
     putTree("[-VISAInfo]\n");
     ConfigStore().AddDeviceEntry("INTF0", "D::6", "", "");
     EXPECT_EQ(1u, count(treeText("INTF0\\VISADev"), "[D::6]\n"));
-    ConfigStore().ClearDevices("INTF0");
-    EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n");
     ConfigStore().ClearDevices("INTF5");
     EXPECT_EQ(treeText("INTF5"), "<missing>");
 }
 
 TEST(DeviceEntries, AutoConfigFlagIsStoredAsOneWhenMissing) {
     test::TempStore temp;
-    putTree("[INTF0]\n\"VISAName\"=\"G\"\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+    putTree("[INTF0]\n\"VISAName\"=\"G\"\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
     std::string flags;
-    for (const char* intf : {"INTF0", "INTF1", "INTF2", "INTF9"})
-        flags += std::to_string(ConfigStore().IsAutoConfig(intf));
-    EXPECT_EQ(flags, "1010");
-    EXPECT_EQ(treeText(""), "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n"
-                            "\"VISAAutoConfig\"=hex:00\n[INTF2]\n\"VISAAutoConfig\"=hex:01\n");
+    for (const char* intf : {"INTF0", "INTF1", "INTF9"}) flags += std::to_string(ConfigStore().IsAutoConfig(intf));
+    EXPECT_EQ(flags, "100");
+    EXPECT_EQ(treeText(""),
+              "[]\n[INTF0]\n\"VISAName\"=\"G\"\n\"VISAAutoConfig\"=hex:01\n[INTF1]\n\"VISAAutoConfig\"=hex:00\n");
 }
 
 TEST(VisaInfo, IsWrittenOncePerProcessEvenWhenTheFirstWriteFails) {
@@ -200,8 +182,9 @@ TEST(VisaInfo, KeepsTunedLimitsAndAddedClassesAndDropsObsoleteTables) {
         EXPECT_EQ(0u, count(text, gone)) << gone;
 }
 
-TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterFormAndVersionsTheVisaEncoding) {
-    // The store's time stamps only need the form, not the zone.
+// The form of the time stamp is the tool's every-type fixture; the day and
+// month names and the zero padding are not.
+TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterForm) {
 #ifdef _WIN32
     _putenv_s("TZ", "UTC");
     _tzset();
@@ -209,10 +192,7 @@ TEST(VisaInfo, TimeTextHasTheTwentyFourCharacterFormAndVersionsTheVisaEncoding) 
     setenv("TZ", "UTC", 1);
     tzset();
 #endif
-    EXPECT_EQ(ctimeText(0), "Thu Jan 01 00:00:00 1970");
     EXPECT_EQ(ctimeText(1204622127), "Tue Mar 04 09:15:27 2008");
-    EXPECT_EQ(visaVersionNumber(0xFFF, 0xFFF, 0xFF), 0xFFFFFFFFu);
-    EXPECT_EQ(visaVersionNumber(1, 0x123, 0x45), 0x00112345u);
 }
 
 class InterfaceSetup : public ::testing::Test {
@@ -226,14 +206,18 @@ protected:
     // The serial default's profile; null: no file.
     void writeProfile(const char* text) const {
         std::filesystem::remove_all(base_ + "/intfcfg");
-        if (!text) return;
         std::filesystem::create_directories(base_ + "/intfcfg");
-        std::ofstream(base_ + "/intfcfg/intfcfg.ini", std::ios::binary) << text;
+        if (text) std::ofstream(base_ + "/intfcfg/intfcfg.ini", std::ios::binary) << text;
     }
 
-    static std::string autoConfigOf(const std::string& intf) {
-        const platform::Registry key(intf, platform::kRegOpenExisting);
-        return key.valueExists("VISAAutoConfigDriver") ? std::to_string(key.getBool("VISAAutoConfig")) : "-";
+    // The VISAAutoConfig flag of each interface, "-" where it was not set up.
+    static std::string autoConfigOf(std::initializer_list<std::string> intfs) {
+        std::string flags;
+        for (const std::string& intf : intfs) {
+            const platform::Registry key(intf, platform::kRegOpenExisting);
+            flags += key.valueExists("VISAAutoConfigDriver") ? std::to_string(key.getBool("VISAAutoConfig")) : "-";
+        }
+        return flags;
     }
 
     test::TempStore temp_;
@@ -244,121 +228,73 @@ protected:
 };
 
 TEST_F(InterfaceSetup, SerialDefaultLowersOnlyTheFirstCharacter) {
-    const struct {
-        const char* value;  // of VISAAutoConfig in [Cfg232], names written in any case
-        int expected;
-    } cases[] = {{"True", 1}, {"TRUE", 0}, {"YES", 0},  {"Yes", 1},    {"yes", 1},     {"1", 1},
-                 {"0", 0},    {"", 0},     {"tRUE", 0}, {"truely", 0}, {"\"True\"", 1}};
-    for (const auto& c : cases) {
-        writeProfile(("[cfg232]\nvisaautoconfig = " + std::string(c.value) + "\n").c_str());
-        EXPECT_EQ(serialAutoConfigDefault(), c.expected) << c.value;
+    // The value of VISAAutoConfig in [Cfg232], names written in any case.
+    const std::pair<const char*, int> cases[] = {{"True", 1}, {"TRUE", 0}, {"YES", 0},  {"Yes", 1},
+        {"yes", 1}, {"1", 1}, {"0", 0}, {"", 0}, {"tRUE", 0}, {"truely", 0}};
+    for (const auto& [value, expected] : cases) {
+        writeProfile(("[cfg232]\nvisaautoconfig = " + std::string(value) + "\n").c_str());
+        EXPECT_EQ(serialAutoConfigDefault(), expected) << value;
     }
-    writeProfile("[Other]\nVISAAutoConfig=True\n");
-    EXPECT_EQ(serialAutoConfigDefault(), 0);
     writeProfile(nullptr);
     EXPECT_EQ(serialAutoConfigDefault(), 0);
-#ifdef _WIN32
-    EXPECT_EQ(interfaceProfilePath(), base_ + "\\intfcfg\\intfcfg.ini");
-#else
-    EXPECT_EQ(interfaceProfilePath(), base_ + "/intfcfg/intfcfg.ini");
-#endif
+    std::filesystem::create_directories(interfaceProfilePath());
+    EXPECT_EQ(serialAutoConfigDefault(), 0) << "a folder where the profile should be";
+    // Where the profile lies, with the platform's separators (the Windows run has only this check).
+    EXPECT_EQ(interfaceProfilePath(), (std::filesystem::path(base_) / "intfcfg" / "intfcfg.ini").string());
 }
 
-TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevices) {
-    const struct {
-        const char* type;
-        const char* withTrue;
-        const char* withoutProfile;
-    } cases[] = {
-        {"GPIB", "1", "1"}, {"VXI", "1", "1"},  {"GPIB-VXI", "1", "1"}, {"PXI", "1", "1"},  {"USB", "1", "1"},
-        {"RSIB", "1", "1"}, {"ASRL", "1", "0"}, {"TCPIP", "0", "0"},    {"gpib", "-", "-"}, {"", "-", "-"},
+// Each type with the serial profile saying True is the tool's end-to-end
+// fixture; here the ways that differ without a profile, keys without a VISA
+// name (set up as their type says: validity is not asked), and that no later
+// set-up changes an interface once set up, even with an empty driver name.
+TEST_F(InterfaceSetup, EachTypeGetsItsWayOfIdentifyingDevicesOnce) {
+    // visaName "": a key without one; flags: VISAAutoConfig, "-" where not set up.
+    const struct { const char *type, *visaName, *flag; } cases[] = {
+        {"GPIB", "X", "1"}, {"ASRL", "X", "0"}, {"TCPIP", "X", "0"}, {"gpib", "X", "-"}, {"TCPIP", "", "0"},
     };
+    putTree("[INTF99]\n\"VISAName\"=\"G\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfigDriver\"=\"\"\n"
+            "\"VISAAutoConfig\"=hex:00\n");
     int n = 0;
-    for (const bool withProfile : {true, false}) {
-        writeProfile(withProfile ? "[Cfg232]\nVISAAutoConfig=True\n" : nullptr);
-        for (const auto& c : cases) {
-            SCOPED_TRACE(std::string(c.type) + (withProfile ? " with profile" : " without profile"));
-            const std::string intf = "INTF" + std::to_string(n++);
-            putInterface(intf, "X" + std::to_string(n), c.type);
-            setupVisaIntf(store_, intf);
-            EXPECT_EQ(autoConfigOf(intf), withProfile ? c.withTrue : c.withoutProfile);
-        }
+    for (const auto& c : cases) {
+        const std::string intf = "INTF" + std::to_string(n++);
+        putTree(intfTree(intf, c.visaName, c.type));
+        setupVisaIntf(store_, intf);
+        EXPECT_EQ(autoConfigOf({intf}), c.flag) << c.type << "/" << c.visaName;
     }
-    // Already set up, even with an empty driver name: neither way changes it.
-    putTree("[INTF99]\n\"VISAName\"=\"G\"\n\"VISAIntfType\"=\"GPIB\"\n"
-            "\"VISAAutoConfigDriver\"=\"\"\n\"VISAAutoConfig\"=hex:00\n");
-    const std::string before = treeText("INTF99");
+    writeProfile("[Cfg232]\nVISAAutoConfig=True\n");
+    const std::string before = treeText("");
+    for (int i = 0; i < n; ++i) setupVisaIntf(store_, "INTF" + std::to_string(i));
     setupVisaIntf(store_, "INTF99");
     configureAtRunTime(store_, "INTF99");
-    EXPECT_EQ(treeText("INTF99"), before);
-    EXPECT_NE(treeText("VISAInfo\\DefaultRsrcs\\INSTR"), "<missing>");
+    EXPECT_EQ(treeText(""), before);
+    setupVisaIntf(store_, "INTF100");
+    EXPECT_EQ(treeText("INTF100"), "<missing>");
 }
 
-// Set-up does not ask whether the interface is valid: a known type without
-// a VISA name is set up as that type says, once; the end of a pass still
-// leaves such keys alone.
-TEST_F(InterfaceSetup, AKeyWithoutVisaNameIsSetUpByItsType) {
-    const struct {
-        const char* tree;  // INTF0 before the set-up
-        const char* after;
-    } cases[] = {
-        {"[INTF0]\n\"VISAName\"=\"\"\n\"VISAIntfType\"=\"GPIB\"\n",
-         "[]\n\"VISAName\"=\"\"\n\"VISAIntfType\"=\"GPIB\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n"
-         "\"VISAAutoConfig\"=hex:01\n[VISADev]\n[VISAIntfRsrc]\n[VISAIntfRsrc\\::INTFC]\n"
-         "\"Driver\"=\"INSTR\"\n\"Prefix\"=\"INTFC\"\n"},
-        {"[INTF0]\n\"VISAIntfType\"=\"TCPIP\"\n",
-         "[]\n\"VISAIntfType\"=\"TCPIP\"\n\"VISAAutoConfigDriver\"=\"AUTOCF\"\n\"VISAAutoConfig\"=hex:00\n"
-         "[VISADev]\n[VISAIntfRsrc]\n"},
-        {"[INTF0]\n\"VISAIntfType\"=\"gpib\"\n", "[]\n\"VISAIntfType\"=\"gpib\"\n"},
-        {"", "<missing>"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.tree);
-        putTree(std::string("[-INTF0]\n") + c.tree);
-        setupVisaIntf(store_, "INTF0");
-        EXPECT_EQ(treeText("INTF0"), c.after);
-        // Once only, though the validity test reads it as not set up.
-        writeProfile("[Cfg232]\nVISAAutoConfig=True\n");
-        setupVisaIntf(store_, "INTF0");
-        EXPECT_EQ(treeText("INTF0"), c.after);
-        writeProfile(nullptr);
-    }
-    putTree("[-INTF0]\n[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n");
-    doVisaEndStuff(store_);
-    EXPECT_EQ(autoConfigOf("INTF0"), "-");
-}
-
+// The pass visits INTF0 and then the upper-case numbers up to the highest;
+// a subkey name of 80 characters or more, sorted before the interfaces, ends
+// the enumeration that finds the highest number, so only INTF0 is visited.
 TEST_F(InterfaceSetup, EndOfPassVisitsTheKeysUpToTheHighestNumber) {
-    putInterface("INTF0", "GPIB0", "GPIB");
-    putInterface("INTF3", "ASRL1", "ASRL");
-    putInterface("intf2", "GPIB2", "GPIB");   // opened whatever its case
-    putInterface("INTF03", "GPIB3", "GPIB");  // counts as 3 but is not "INTF3"
-    putInterface("intf5", "GPIB5", "GPIB");   // above the highest upper-case number
-    putTree("[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\GPIB1::5]\n");  // INTF1: no VISA name
+    const struct { const char* label; std::string tree; std::initializer_list<std::string> intfs; const char* flags; }
+        cases[] = {
+            {"case and number forms",
+             intfTree("INTF0", "GPIB0", "GPIB") + intfTree("INTF3", "ASRL1", "ASRL") +
+                 intfTree("intf2", "GPIB2", "GPIB") + intfTree("INTF03", "GPIB3", "GPIB") +
+                 intfTree("intf5", "GPIB5", "GPIB") + "[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n",
+             {"INTF0", "INTF3", "intf2", "INTF03", "intf5", "INTF1"}, "000---"},
+            {"highest number cut short", "[" + std::string(80, 'A') + "]\n" + intfTree("INTF0", "GPIB0", "GPIB") +
+                 intfTree("INTF1", "GPIB1", "GPIB"), {"INTF0", "INTF1"}, "0-"},
+            {"the largest number", intfTree("INTF2147483647", "GPIB9", "GPIB") + intfTree("INTF1", "GPIB1", "GPIB"),
+             {"INTF1", "INTF2147483647"}, "00"},
+        };
     writeProfile("[Cfg232]\nVISAAutoConfig=True\n");
-    doVisaEndStuff(store_);
-    for (const char* intf : {"INTF0", "INTF3", "intf2"}) EXPECT_EQ(autoConfigOf(intf), "0") << intf;
-    for (const char* intf : {"INTF03", "intf5", "INTF1"}) EXPECT_EQ(autoConfigOf(intf), "-") << intf;
-    EXPECT_EQ(store_.GetDeviceName("INTF0", 0), "GPIB0::5");  // renamed on the way
-}
-
-// A subkey name of 80 characters or more, sorted before the interfaces, ends
-// the enumeration that finds the highest number (0), but not the pass: it
-// still visits INTF0, and only that.
-TEST_F(InterfaceSetup, EndOfPassVisitsIntf0WhenTheHighestNumberIsCutShort) {
-    putTree("[" + std::string(80, 'A') + "]\n");
-    putInterface("INTF0", "GPIB0", "GPIB");
-    putInterface("INTF1", "GPIB1", "GPIB");
-    ASSERT_EQ(store_.GetMaxIntfNum(), 0);
-    doVisaEndStuff(store_);
-    EXPECT_EQ(autoConfigOf("INTF0") + autoConfigOf("INTF1"), "0-");
-}
-
-TEST_F(InterfaceSetup, EndOfPassCopesWithTheLargestNumber) {
-    putInterface("INTF2147483647", "GPIB9", "GPIB");
-    putInterface("INTF1", "GPIB1", "GPIB");
-    doVisaEndStuff(store_);
-    EXPECT_EQ(autoConfigOf("INTF1") + autoConfigOf("INTF2147483647"), "00");
+    for (const auto& c : cases) {
+        test::TempStore fresh;
+        SetUp();
+        putTree(c.tree);
+        doVisaEndStuff(store_);
+        EXPECT_EQ(autoConfigOf(c.intfs), c.flags) << c.label;
+    }
 }
 
 }  // namespace
