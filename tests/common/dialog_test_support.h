@@ -7,7 +7,6 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
 #include <string>
 #include <vector>
@@ -62,17 +61,6 @@ inline std::vector<std::string> templateLabels(QDialog& dialog) {
     std::vector<std::string> texts;
     for (QLabel* label : dialog.findChildren<QLabel*>())
         if (label->isVisibleTo(&dialog)) texts.push_back(ui::toStdString(label->text()));
-    return texts;
-}
-
-// A template's buttons in creation order, the default one marked "*", hidden ones "(hidden)".
-inline std::vector<std::string> templateButtons(QDialog& dialog) {
-    std::vector<std::string> texts;
-    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
-        auto* push = qobject_cast<QPushButton*>(button);
-        texts.push_back(ui::toStdString(button->text()) + (push != nullptr && push->isDefault() ? "*" : "") +
-                        (button->isVisibleTo(&dialog) ? "" : " (hidden)"));
-    }
     return texts;
 }
 

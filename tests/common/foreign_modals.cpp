@@ -15,12 +15,6 @@ ForeignModals& ForeignModals::then(std::string className, std::function<void(QWi
     return *this;
 }
 
-std::vector<std::string> ForeignModals::problems() const {
-    std::vector<std::string> all = problems_;
-    for (std::size_t i = next_; i < steps_.size(); ++i) all.push_back(steps_[i].className + " never opened");
-    return all;
-}
-
 // Looks again once the event loop has run a little; the timer belongs to
 // context_, so nothing fires after the driver is gone.
 void ForeignModals::watch() { QTimer::singleShot(5, &context_, [this] { poll(); }); }
@@ -37,8 +31,6 @@ void ForeignModals::poll() {
     const std::string className = modal->metaObject()->className();
     opened_.push_back(className);
     if (next_ >= steps_.size() || steps_[next_].className != className) {
-        problems_.push_back(className + " opened" +
-                            (next_ < steps_.size() ? " where " + steps_[next_].className + " was expected" : ""));
         modal->close();
         return;
     }

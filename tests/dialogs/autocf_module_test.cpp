@@ -48,35 +48,28 @@ TEST(AutocfModule, RefusesARecordOfAnotherLayout) {
     auto reset = reinterpret_cast<braxcfg_autocf_reset_fn>(dlsym(module, "AUTOCF_autoConfigReset"));
     auto next = reinterpret_cast<braxcfg_autocf_next_dev_fn>(dlsym(module, "AUTOCF_autoConfigNextDev"));
     ASSERT_TRUE(reset && next);
-    // Only the two leading fields may be read from a record of another layout.
-    const std::uint32_t fullSize = sizeof(braxcfg_autocf_record);
-    for (const auto& [version, size] : {std::pair{BRAXCFG_AUTOCF_VERSION + 1, fullSize}, std::pair{BRAXCFG_AUTOCF_VERSION, 8u}}) {
-        braxcfg_autocf_record record{};
-        record.version = version;
-        record.size = size;
-        EXPECT_EQ(reset(&record, 0), BRAXCFG_AUTOCF_ERROR_LAYOUT);
-        EXPECT_EQ(next(&record), BRAXCFG_AUTOCF_ERROR_LAYOUT);
-    }
+    // Only the two leading fields may be read from a record of another
+    // layout: here one of this version that is too short.
+    braxcfg_autocf_record record{};
+    record.version = BRAXCFG_AUTOCF_VERSION;
+    record.size = 8;
+    EXPECT_EQ(reset(&record, 0), BRAXCFG_AUTOCF_ERROR_LAYOUT);
+    EXPECT_EQ(next(&record), BRAXCFG_AUTOCF_ERROR_LAYOUT);
     EXPECT_EQ(reset(nullptr, 0), BRAXCFG_AUTOCF_ERROR_INV_PARAMETER);
     dlclose(module);
 }
 
-TEST(LabFile, ReadsInstrumentsAndRefusesBadLines) {
-    const auto lab = lab::parseLabText("; lab\n[GPIB0::22::INSTR]\n identification = A,B\nSerial=7\n\n[ASRL1::INSTR]\n");
-    ASSERT_EQ(lab.instruments.size(), 2u);
-    EXPECT_EQ(lab.instruments[0].identification, "A,B");
-    EXPECT_EQ(lab.instruments[0].values.size(), 2u);
-    for (const auto& [text, error] : {std::pair{"Identification = X\n", "line 1: expected [RESOURCE] or NAME = VALUE"},
-                                      std::pair{"[GPIB0::1::INSTR]\njunk\n", "line 2: expected [RESOURCE] or NAME = VALUE"},
-                                      std::pair{"[GPIB0::1::INSTR\n", "line 1: a section name needs [RESOURCE]"}}) {
+// Reading a good lab is the search test's above, through the example lab.
+TEST(LabFile, RefusesBadLinesAndNamesDevicesOnTheInterface) {
+    for (const auto& [text, error] : {std::pair{"[GPIB0::1]\njunk\n", "line 2: expected [RESOURCE] or NAME = VALUE"},
+                                      std::pair{"[GPIB0::1\n", "line 1: a section name needs [RESOURCE]"}}) {
         const auto refused = lab::parseLabText(text);
         EXPECT_EQ(refused.error, error) << text;
         EXPECT_TRUE(refused.instruments.empty());
     }
     for (const auto& [resource, device, onGpib0] :
-         {std::tuple{"GPIB0::22::INSTR", "GPIB0::22", true}, std::tuple{"gpib0::5::3::instr", "gpib0::5::3", true},
-          std::tuple{"GPIB0::22", "GPIB0::22", true}, std::tuple{"GPIB01::2::INSTR", "GPIB01::2", false},
-          std::tuple{"TCPIP0::127.0.0.1::inst0::INSTR", "TCPIP0::127.0.0.1::inst0", false}}) {
+         {std::tuple{"gpib0::5::3::instr", "gpib0::5::3", true}, std::tuple{"GPIB0::22", "GPIB0::22", true},
+          std::tuple{"GPIB01::2::INSTR", "GPIB01::2", false}}) {
         EXPECT_EQ(lab::deviceNameOf(resource), device);
         EXPECT_EQ(lab::isOnInterface(resource, "GPIB0"), onGpib0) << resource;
     }

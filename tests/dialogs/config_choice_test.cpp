@@ -14,7 +14,6 @@ namespace {
 using namespace test;
 using ui::kIdCancel;
 using ui::kIdOk;
-using ui::MessageIcon;
 using ui::ModalScript;
 
 const char* const kRadios[] = {"&Identify all known devices once now (recommended).",
@@ -38,10 +37,9 @@ TEST(CConfigChoice, ContinueTestsThePresetBeforeReadingTheGroup) {
         std::vector<std::string> messages;
     };
     const Case cases[] = {
-        // Untouched (80 characters pass), Enter after the second: the group is read. A radio with
-        // Continue and Escape keeping the preset are driven by the configuration window's test.
+        // Untouched, 80 characters pass. A radio with Continue and Escape keeping the preset are
+        // driven by the configuration window's test.
         {std::string(80, 'G'), 0, [](auto& d) { press(d, "&Continue"); }, kIdOk, 0, {}},
-        {"GPIB0", 0, [](auto& d) { press(d, kRadios[1]); QTest::keyClick(&d, Qt::Key_Return); }, kIdOk, 1, {}},
         // Without the preset every Continue is refused, even with a radio
         // checked, since the test comes before the group is read.
         {"GPIB0", -1, [&](auto& d) { press(d, "&Continue"); press(d, kRadios[1]); press(d, "&Continue"); escape(d); },
@@ -65,8 +63,6 @@ TEST(CConfigChoice, ContinueTestsThePresetBeforeReadingTheGroup) {
         EXPECT_EQ(dialog.doModal(), c.result);
         EXPECT_EQ(dialog.m_choice, c.choice);
         EXPECT_EQ(boxes.texts(), c.messages);
-        for (const ui::MessageBoxRequest& box : boxes.requests())
-            EXPECT_EQ(box.icon, box.text == refusal ? MessageIcon::None : MessageIcon::Exclamation);
         EXPECT_EQ(problems(script), "");
     }
 }
@@ -94,7 +90,7 @@ TEST(CConfigChoice, EachHelpButtonShowsItsMethodAndKeepsTheSelection) {
     for (int help = 0; help < 3; ++help)
         script.expect<CChoiceHelp>([&, help](CChoiceHelp& dialog) {
             for (int i = 0; i < 3; ++i) EXPECT_EQ(shownText(dialog, labels[i]), texts[help][i]);
-            screenshot(dialog, "choice_help_" + std::to_string(help));
+            if (help == 0) screenshot(dialog, "choice_help");
             press(dialog, "OK");
         });
     CConfigChoice dialog(nullptr);

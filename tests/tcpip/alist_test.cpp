@@ -1,5 +1,6 @@
-// AList: node bookkeeping under removal and iteration, duplicates, and the
-// loading of the two alias lists.
+// AList: node bookkeeping under removal and iteration, and the loading of
+// the two alias lists. Its duplicate rules are the automatic alias's test's
+// and the LAN list's Add scenario's to decide.
 #include "tcpip/alist.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 namespace braxcfg::tcpip {
 namespace {
 
-using Text = AliasEntry::Text;
 using Items = std::vector<AliasEntry*>;
 
 Items items(AList& list) {
@@ -21,7 +21,7 @@ Items items(AList& list) {
     return out;
 }
 
-AliasEntry entry(const char* name, const Text& rsrc = std::nullopt) { return AliasEntry(name, rsrc, std::nullopt); }
+AliasEntry entry(const char* name) { return AliasEntry(name, std::nullopt, std::nullopt); }
 
 TEST(AList, KeepsItsLastNodeAndCursorThroughRemovals) {
     AliasEntry a = entry("a"), b = entry("b"), c = entry("c"), d = entry("d"), same = entry("a");
@@ -53,23 +53,6 @@ TEST(AList, KeepsItsLastNodeAndCursorThroughRemovals) {
     single.remove(&a);
     single.append(&b);
     EXPECT_EQ(items(single), Items{&b});
-}
-
-TEST(AList, DuplicatesIgnoreCaseAndDeletedEntries) {
-    AliasEntry scope = entry("Scope1", "TCPIP0::a::INSTR"), upper = entry("SCOPE1");
-    AList list;
-    EXPECT_EQ(list.addRecord(&scope), 0);
-    EXPECT_EQ(scope.state(), AliasState::Added);
-    EXPECT_EQ(list.findDuplicate(&upper), &scope);
-    EXPECT_EQ(list.addRecord(&upper), 1);
-    EXPECT_EQ(upper.state(), AliasState::Unchanged);
-    EXPECT_EQ(list.findDuplicate(&scope), nullptr);  // itself does not count
-    EXPECT_EQ(list.markDeleted(&scope), 0);
-    EXPECT_EQ(list.addRecord(&upper), 0);
-    EXPECT_EQ(items(list), (Items{&scope, &upper}));
-    EXPECT_EQ(list.addRecord(nullptr) + list.markDeleted(nullptr) + list.markChanged(nullptr), 3);
-    EXPECT_EQ(list.findByRsrcString("tcpip0::A::instr"), &scope);
-    EXPECT_EQ(list.findByRsrcString("TCPIP0::b::INSTR"), nullptr);
 }
 
 TEST(AList, LoadsBothAliasListsByNameAndCommitsADevicesOnlyAliasBack) {

