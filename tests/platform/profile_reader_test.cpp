@@ -1,8 +1,7 @@
 // Profile (INI) lookups: section and key matching, quoting, comments, line
 // ends and the caller's buffer. Reading the file is the serial default's test
-// (tests/store); the listing of sections, which shares the header and quote
-// rules (the last "]" closes a header, double quotes come off), is the lab
-// file test's.
+// (tests/store); the listing of sections, which shares the quote rule (a
+// quoted identification loses its quotes), is the lab file test's.
 #include "platform/profile_reader.h"
 
 #include <gtest/gtest.h>
@@ -25,6 +24,7 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
         {"comment line", "[S]\n;k=1\nk=2\n", "S", "k", "2"},
         {"comment after value kept", "[S]\nk=1 ; note\n", "S", "k", "1 ; note"},
         {"second = belongs to the value", "[S]\nk=a=b\n", "S", "k", "a=b"},
+        {"last ] closes the header", "[a]b]\nk=1\n", "a]b", "k", "1"},
         {"[ without ] does not end the section", "[S]\n[T\nk=1\n", "S", "k", "1"},
         {"section name is not a prefix", "[Cfg2320]\nk=1\n", "Cfg232", "k", "dflt"},
         {"old end-of-file mark, no line end", "[S]\nk=1\x1a", "S", "k", "1"},
