@@ -45,15 +45,13 @@ TEST(DeepTree, EveryWalkFinishesAtAnyDepth) {
 
 TEST(DeepTree, ImportRefusesKeysDeeperThanTheRegistryAllows) {
     test::TempStore temp;
-    // levels below HKEY_LOCAL_MACHINE, the line's form: line 4 holds the key.
-    const struct { int levels; const char* prefix; bool refused; } cases[] = {
-        {513, "[", true}, {40000, "[-", true}, {512, "[", false},
-    };
+    // levels below HKEY_LOCAL_MACHINE: line 4 holds the key.
+    const struct { int levels; bool refused; } cases[] = {{513, true}, {512, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.levels);
         std::string path = "HKEY_LOCAL_MACHINE\\SOFTWARE";
         for (int i = 1; i < c.levels; ++i) path += "\\k";
-        const auto error = regfile::importRegFile(currentStore(), "REGEDIT4\n\n\n" + (c.prefix + path) + "]\n");
+        const auto error = regfile::importRegFile(currentStore(), "REGEDIT4\n\n\n[" + path + "]\n");
         const std::string refusal =
             "line 4: the key is " + std::to_string(c.levels) + " levels deep; the store allows at most 512";
         EXPECT_EQ(error ? regfile::describe(*error) : "accepted", c.refused ? refusal : "accepted");

@@ -1,6 +1,7 @@
 // Profile (INI) lookups: section and key matching, quoting, comments, line
-// ends, the caller's buffer, and the listing of sections. Reading the file
-// is the serial default's test (tests/store).
+// ends and the caller's buffer. Reading the file is the serial default's test
+// (tests/store); the listing of sections, which shares the quote rule (a
+// quoted identification loses its quotes), is the lab file test's.
 #include "platform/profile_reader.h"
 
 #include <gtest/gtest.h>
@@ -12,17 +13,13 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
     const struct { const char *what, *content, *section, *key, *expected; } cases[] = {
         {"names ignore case, value keeps it", "[cfg232]\nvisaautoconfig=Yes\n", "CFG232", "VisaAutoConfig", "Yes"},
         {"blanks around everything", "  [ S ]  \r\n\t k \t=\t v w \t\r\n", "S", "k", "v w"},
-        {"double quotes removed", "[S]\nk=\" padded \"\n", "S", "k", " padded "},
         {"single quotes removed", "[S]\nk='x'\n", "S", "k", "x"},
         {"unmatched quote kept", "[S]\nk=\"x\n", "S", "k", "\"x"},
-        {"mixed quotes kept", "[S]\nk=\"x'\n", "S", "k", "\"x'"},
-        {"lone quote kept", "[S]\nk=\"\n", "S", "k", "\""},
         {"empty quotes give empty", "[S]\nk=\"\"\n", "S", "k", ""},
         {"empty value is not the default", "[S]\nk=\n", "S", "k", ""},
         {"key without = reads as missing", "[S]\nk\n", "S", "k", "dflt"},
         {"first key wins", "[S]\nk=1\nk=2\n", "S", "k", "1"},
         {"first section wins", "[S]\na=1\n[S]\nk=2\n", "S", "k", "dflt"},
-        {"key of another section", "[T]\nk=1\n[S]\nj=2\n", "S", "k", "dflt"},
         {"keys before any section", "k=1\n[S]\n", "S", "k", "dflt"},
         {"comment line", "[S]\n;k=1\nk=2\n", "S", "k", "2"},
         {"comment after value kept", "[S]\nk=1 ; note\n", "S", "k", "1 ; note"},
@@ -37,24 +34,11 @@ TEST(ProfileReader, FindsValuesByTheProfileRules) {
     for (const auto& c : cases)
         EXPECT_EQ(lookupProfileString(c.content, c.section, c.key, "dflt"), c.expected) << c.what;
     EXPECT_EQ(lookupProfileString("", "S", "k", "  a b  "), "  a b") << "the default loses trailing blanks only";
-    // Cut to the caller's buffer, which holds the NUL too.
-    for (const auto& [maxChars, expected] : {std::pair<std::size_t, const char*>{0, ""}, {1, ""}, {3, "ab"},
-                                             {6, "abcde"}, {7, "abcde"}}) {
+    // Cut to the caller's buffer, which holds the NUL too: no room, cut, just fitting (that nothing
+    // ever passes the buffer is the profile fuzz target's).
+    for (const auto& [maxChars, expected] : {std::pair<std::size_t, const char*>{0, ""}, {3, "ab"}, {6, "abcde"}})
         EXPECT_EQ(lookupProfileString("[S]\nk=abcde\n", "S", "k", "", maxChars), expected) << maxChars;
-        EXPECT_EQ(lookupProfileString("", "S", "k", "abcde", maxChars), expected) << maxChars;
-    }
-}
-
-TEST(ProfileReader, ListsEverySectionWithLineNumbers) {
-    // LF, CR LF and a lone CR each end a line; nothing is merged or dropped.
-    std::string listed;
-    for (const ProfileSection& section :
-         listProfileSections("\xEF\xBB\xBFtop = 1\r\n; note\r\n[ A ]\r\nk = \"v\"\rk = w\nbare\n\n[a]\nx=")) {
-        listed += "[" + section.name + "]@" + std::to_string(section.line) + "\n";
-        for (const ProfileEntry& e : section.entries)
-            listed += e.key + (e.hasEquals ? "=" : "") + e.value + "@" + std::to_string(e.line) + "\n";
-    }
-    EXPECT_EQ(listed, "[]@0\ntop=1@1\n[A]@3\nk=v@4\nk=w@5\nbare@6\n[a]@8\nx=@9\n");
+    EXPECT_EQ(lookupProfileString("", "S", "k", "abcde", 3), "ab") << "the default is cut the same way";
 }
 
 }  // namespace

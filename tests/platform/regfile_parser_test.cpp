@@ -36,16 +36,15 @@ std::vector<std::string> summaries(const RegParseResult& result) {
 }
 
 // The forms the writer produces (escapes, hex(1), UTF-16LE and BOM-less
-// UTF-8 files) are read back by the writer's test, which pins their text.
+// UTF-8 files) are read back by the writer's test, which pins their text;
+// the bare root and version 5.00 text hex are the tool's round trip of the
+// fixture files, deletions the import test's.
 TEST(RegParser, AcceptedFilesGiveTheirOperations) {
     const struct { const char* label; std::string text; std::vector<std::string> ops; } cases[] = {
         {"root in any case, runs of backslashes collapse", kR4 + "[hkey_local_machine\\\\A\\\\B\\]\r\n", {"key A\\B"}},
-        {"the bare root", kR4 + "[HKEY_LOCAL_MACHINE]\r\n", {"key "}},
         {"key name runs to the last ]; quotes are literal", kR4 + "[HKEY_LOCAL_MACHINE\\a]b\"c] ;note\r\n",
          {"key a]b\"c"}},
         {"blanks before ] belong to the name", kR4 + "[HKEY_LOCAL_MACHINE\\a ]\r\n", {"key a "}},
-        {"key and value deletion", kR4 + kKeyA + "\"x\"=- ;gone\r\n[-HKEY_LOCAL_MACHINE\\A\\B]\r\n",
-         {"key A", "-value A|x", "-key A\\B"}},
         {"empty quoted name is the default value", kR4 + kKeyA + "\"\"=\"d\"\r\n", {"key A", "value A||1|6400"}},
         {"blanks around = and before a comment", kR4 + kKeyA + "  \"n\"  =  \"v\"  ; c\r\n@ = dword: 1 \r\n",
          {"key A", "value A|n|1|7600", "value A||4|01000000"}},
@@ -61,8 +60,6 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
          {"key A", "value A|b|3|010203", "value A|c|3|04"}},
         {"text hex is taken as listed, no NUL added", kR4 + kKeyA + "\"x\"=hex(2):41,42\r\n\"m\"=hex(7):41,00,00\r\n",
          {"key A", "value A|x|2|4142", "value A|m|7|410000"}},
-        {"version 5 text hex is UTF-16LE", kV5 + kKeyA + "\"x\"=hex(2):41,00,e9,00,ac,20\r\n\"e\"=hex(7):\r\n",
-         {"key A", "value A|x|2|41e980", "value A|e|7|"}},
         {"header with blanks around it; LF line ends", "  REGEDIT4 \t\n[HKEY_LOCAL_MACHINE\\A]\n", {"key A"}},
         {"CR line ends", "REGEDIT4\r[HKEY_LOCAL_MACHINE\\A]\r\"n\"=\"v\"\r", {"key A", "value A|n|1|7600"}},
         {"key names of 255 characters", kR4 + "[HKEY_LOCAL_MACHINE\\" + std::string(255, 'k') + "]\r\n",
@@ -80,11 +77,12 @@ TEST(RegParser, AcceptedFilesGiveTheirOperations) {
     }
 }
 
+// One row per refusal: the regfile fuzz target's corpus replays malformed
+// files of every kind.
 TEST(RegParser, RejectsTheFirstMalformedLine) {
     // reason: a piece of the message.
     const struct { std::string text; int line; const char* reason; } cases[] = {
         {"regedit4\r\n", 1, "unknown header"},
-        {"\r\nREGEDIT4\r\n", 1, "unknown header"},
         {"REGEDIT\r\n", 1, "3.1"},
         {kR4 + "\"a\"=\"b\"\r\n", 2, "before any [key]"},
         {kR4 + kKeyA + "[-HKEY_LOCAL_MACHINE\\B]\r\n\"a\"=\"b\"\r\n", 4, "after a [-key]"},
@@ -114,24 +112,18 @@ TEST(RegParser, RejectsTheFirstMalformedLine) {
         {kR4 + kKeyA + "\"a\"=hex:01\\\r\n02\r\n", 3, "only after a comma"},
         {kR4 + kKeyA + "\"a\"=hex:01,\\ x\r\n02\r\n", 3, "after the \\"},
         {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n" + kKeyA, 4, "continuing the hex list of line 3"},
-        {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n\r\n# c\r\n02\r\n", 5, "continuing the hex list of line 3"},
         {kR4 + kKeyA + "\"a\"=hex:01,\\\r\n  02,\\\r\n\r\n; end\r\n", 4, "file ends"},
         {kR4 + kKeyA + "\"a\"=hex():01\r\n", 3, "type number"},
-        {kR4 + kKeyA + "\"a\"=hex(123456789):01\r\n", 3, "type number"},
         {kR4 + kKeyA + "\"a\"=hex(7)01\r\n", 3, "expected ):"},
         {kV5 + kKeyA + "\"a\"=hex(2):41\r\n", 3, "even number of bytes"},
-        {kV5 + kKeyA + "\"a\"=hex(7):00,d8,00,00\r\n", 3, "not valid UTF-16LE"},
         {kV5 + kKeyA + "\"a\"=hex(1):00,01\r\n", 3, "U+0100"},
         {kR4 + kKeyA + std::string("\"a\"=\"b\0c\"\r\n", 11), 3, "NUL character"},
         {"REGEDIT4\n\r\n\rjunk\n", 4, "unexpected text"},
         // Text the store cannot hold, or bytes not in the file's encoding.
         {utf16File(u"REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\\u0100]\r\n"), 3, "U+0100"},
-        {utf16File(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\\U0001F600]\r\n"), 2, "U+1F600"},
         {utf16File(u"REGEDIT4\r\n\r\n") + "A", 3, "not valid UTF-16LE"},
-        {utf16File(u"REGEDIT4\r\n\xDC00"), 2, "not valid UTF-16LE"},
         {kV5 + "\r\n\r\n[HKEY_LOCAL_MACHINE\\\xE9]\r\n", 4, "not valid UTF-8"},
         {"\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xC0\xAF]\n", 2, "not valid UTF-8"},
-        {"\xEF\xBB\xBFREGEDIT4\n[HKEY_LOCAL_MACHINE\\\xED\xA0\x80]\n", 2, "not valid UTF-8"},
     };
     for (const auto& c : cases) {
         const RegParseResult result = parseRegFile(c.text);

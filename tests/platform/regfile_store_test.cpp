@@ -41,14 +41,11 @@ TEST(RegFileStore, ImportMergesAndExportStartsAtTheKeyAsSpelled) {
               "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\t]\n\"b\"=\"two\"\n\"c\"=\"3\"\n"
               "\"d\"=dword:00000004\n\n[HKEY_LOCAL_MACHINE\\t\\Kept]\n\n[HKEY_LOCAL_MACHINE\\t\\New]\n\n"
               "[HKEY_LOCAL_MACHINE\\t\\New\\Child]\n\n");
-    // The root rules are the parser's, which shares them; one of them stands here.
-    for (const auto& [key, reason] : {std::pair{"HKEY_LOCAL_MACHINE\\T\\Nowhere", "does not exist"},
-                                      std::pair{"HKEY_CURRENT_USER\\T", "only HKEY_LOCAL_MACHINE"}}) {
-        const RegExportResult result = exportRegFile(currentStore(), key, RegTextEncoding::Utf8);
-        ASSERT_TRUE(result.error) << key;
-        EXPECT_NE(result.error->find(reason), std::string::npos) << *result.error;
-        EXPECT_TRUE(result.bytes.empty());
-    }
+    // The root rules are the parser's, which shares them; one of them stands
+    // here. A missing key is the tool's export test.
+    const RegExportResult refused = exportRegFile(currentStore(), "HKEY_CURRENT_USER\\T", RegTextEncoding::Utf8);
+    EXPECT_NE(refused.error.value_or("").find("only HKEY_LOCAL_MACHINE"), std::string::npos);
+    EXPECT_TRUE(refused.bytes.empty());
 }
 
 TEST(RegFileStore, RejectedImportLeavesTheStoreAsItWas) {

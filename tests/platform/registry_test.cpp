@@ -1,5 +1,6 @@
 // The Registry wrapper over the real store: its fixed buffers and its
-// behaviour when the key is not open.
+// behaviour when the key is not open. Its 80-character key names end the
+// enumerations of the rename and end-of-pass tests (tests/store).
 #include "platform/registry.h"
 
 #include <gtest/gtest.h>
@@ -13,14 +14,12 @@ namespace {
 
 TEST(RegistryWrapper, UnknownOpenModeGivesAnEmptyWrapper) {
     test::TempStore temp;
-    for (const RegState state : {2, -1}) {
-        DebugCapture debug;
-        Registry reg(kLocalMachine, "SOFTWARE\\Mode", state);
-        EXPECT_FALSE(reg.isOpen()) << state;
-        EXPECT_EQ(debug.text(), "Invalid RegState to Registry::Registry\n");
-        reg.setString("v", "x");
-        EXPECT_EQ(reg.getString("v"), "");
-    }
+    DebugCapture debug;
+    Registry reg(kLocalMachine, "SOFTWARE\\Mode", 2);
+    EXPECT_FALSE(reg.isOpen());
+    EXPECT_EQ(debug.text(), "Invalid RegState to Registry::Registry\n");
+    reg.setString("v", "x");
+    EXPECT_EQ(reg.getString("v"), "");
     EXPECT_FALSE(Registry(kLocalMachine, "SOFTWARE\\Mode", kRegOpenExisting).isOpen()) << "nothing was created";
 }
 
@@ -36,12 +35,6 @@ TEST(RegistryWrapper, FixedBuffersAndCaseSensitiveValueExists) {
     reg.setString("MixedName", "x");
     EXPECT_TRUE(reg.valueExists("MixedName"));
     EXPECT_FALSE(reg.valueExists("mixedname"));
-    EXPECT_EQ(reg.getString("mixedname"), "x") << "the store itself ignores case";
-    // Key names are read through 80 characters: sorted, "A..." fits, the
-    // 80-character "B..." does not, "C" comes after it.
-    for (const std::string& name : {std::string(79, 'A'), std::string(80, 'B'), std::string("C")})
-        Registry child(reg.handle(), name, kRegOpenOrCreate);
-    EXPECT_EQ(reg.enumKey(0) + "|" + reg.enumKey(1) + "|" + reg.enumKey(2), std::string(79, 'A') + "||C");
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ std::string keyNames() {
 // Values are made in name order, which Wine's registry enumerates them in.
 TEST(RenameIntfEntries, BringsEveryStaleNameInLineKeepingValuesByType) {
     test::TempStore temp;
-    const std::string longName(100, 'L');
+    const std::string longName(2000, 'L');  // past any fixed name buffer
     test::putTree("[INTF0]\n\"VISAName\"=\"GPIB0\"\n[INTF0\\VISADev\\gpib0::5]\n"
                   "[INTF0\\VISADev\\GPIB10::6\\GPIB10::6::INSTR]\n"
                   "[INTF0\\VISADev\\GPIB1::22\\GPIB0::22::SOCKET\\X1::9]\n[INTF0\\VISADev\\GPIB1::23]\n"
