@@ -141,6 +141,27 @@ TEST(StoreFile, UnusablePathsAreReportedAndCountAsANewStore) {
     EXPECT_EQ(storeGeneration(), generation + 1);
 }
 
+// A store written when the micro sign still folded to capital mu finds its
+// names again once opened for writing.
+TEST(StoreFile, OlderStoresAreRefoldedOnOpening) {
+    const test::TempStore temp;
+    ASSERT_EQ(setString(currentStore(), test::createKey(currentStore(), "\xB5V"), "\xB5v", "x"), 0);
+    closeStore();
+    {
+        SqliteConnection db;
+        ASSERT_EQ(db.open(temp.path(), SQLITE_OPEN_READWRITE), SQLITE_OK);
+        // U+039C then 'V', as the old rule folded "\xB5V" and "\xB5v".
+        ASSERT_EQ(db.exec("UPDATE keys SET folded = x'039C0056' WHERE name = x'B556';"
+                          "UPDATE key_values SET folded = x'039C0056' WHERE name = x'B576';"
+                          "PRAGMA user_version = 1"),
+                  SQLITE_OK);
+    }
+    temp.reopen();
+    HKey opened = kNoKey;
+    ASSERT_EQ(currentStore().openKey(kLocalMachine, "\xB5v", kKeyAllAccess, &opened), kErrorSuccess);
+    EXPECT_EQ(test::valueBytes(currentStore(), opened, "\xB5V"), "x\0"s);
+}
+
 // Whether another process finds the store file locked the way every open
 // connection in WAL mode keeps it (its shared lock range), asked from a child
 // because a process never conflicts with its own locks.
