@@ -99,14 +99,16 @@ TEST(DeviceEntries, AddCreatesTheClassesMarkedForTheInterfaceType) {
     }
 }
 
-// Adding to an interface without a device list, and clearing one, are the
-// tool's device tests.
-TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsNoTemplates) {
+// Clearing a list is the tool's device test; the tool refuses an interface
+// without a list before it gets here, so that rule is pinned here.
+TEST(DeviceEntries, AddWritesOverAnEntryAndNeedsTheListButNoTemplates) {
     test::TempStore temp;
     putTree("[INTF0]\n\"VISAIntfType\"=\"GPIB\"\n[INTF0\\VISADev\\D::5\\D::5::INSTR]\n\"Driver\"=\"old\"\n"
-            "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n"
+            "\"Kept\"=\"yes\"\n[INTF0\\VISADev\\D::5\\D::5::OTHER]\n[INTF1]\n\"VISAIntfType\"=\"GPIB\"\n"
             "[VISAInfo\\DefaultRsrcs\\INSTR]\n\"DrvrName\"=\"I\"\n\"GPIB\"=hex:01\n");
     ConfigStore().AddDeviceEntry("INTF0", "D::5", "INSTR", "");
+    ConfigStore().AddDeviceEntry("INTF1", "D::5", "", "");
+    EXPECT_EQ(treeText("INTF1\\VISADev"), "<missing>");
     EXPECT_EQ(treeText("INTF0\\VISADev"), "[]\n[D::5]\n[D::5\\D::5::INSTR]\n\"Driver\"=\"I\"\n\"Kept\"=\"yes\"\n"
                                           "\"Prefix\"=\"\"\n[D::5\\D::5::OTHER]\n");
     putTree("[-VISAInfo]\n");
