@@ -29,10 +29,6 @@ void putDword(const std::string& keyPath, const std::string& name, std::uint32_t
     Registry(kLocalMachine, keyPath, platform::kRegOpenOrCreate).setDword(name, value);
 }
 
-void putBool(const std::string& keyPath, const std::string& name, bool value) {
-    Registry(kLocalMachine, keyPath, platform::kRegOpenOrCreate).setBool(name, value);
-}
-
 void putKey(const std::string& keyPath) { Registry(kLocalMachine, keyPath, platform::kRegOpenOrCreate); }
 
 bool keyExists(const std::string& keyPath) {

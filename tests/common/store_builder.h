@@ -9,7 +9,6 @@ namespace braxcfg::test {
 // Full paths below HKEY_LOCAL_MACHINE, e.g. "SOFTWARE\\Tolvane\\Linkbase".
 void putString(const std::string& keyPath, const std::string& name, const std::string& value);
 void putDword(const std::string& keyPath, const std::string& name, std::uint32_t value);
-void putBool(const std::string& keyPath, const std::string& name, bool value);
 void putBytes(const std::string& keyPath, const std::string& name, std::uint32_t type, const std::string& bytes);
 void putKey(const std::string& keyPath);
 bool keyExists(const std::string& keyPath);
